@@ -1,0 +1,36 @@
+# Rules that hold for every target of this project.
+
+# Compiles `target` by the rules of this project. Users of its headers get the ones that change results.
+function(qz_set_target_rules target)
+    # Fused multiply-add would round inline functions differently wherever they are instantiated,
+    # so this setting reaches everyone who includes a header.
+    target_compile_options(${target} PUBLIC -ffp-contract=off)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wconversion)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        POSITION_INDEPENDENT_CODE ON
+        BUILD_RPATH_USE_ORIGIN ON
+        COMPILE_WARNING_AS_ERROR ${qz_poly_IS_TOP_LEVEL}
+    )
+    if(QZ_POLY_SANITIZERS)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${QZ_POLY_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        target_link_options(${target} PRIVATE -fsanitize=${QZ_POLY_SANITIZERS})
+    endif()
+endfunction()
+
+# The rules above and those of a shared library: versioned, and complete in what it links.
+function(qz_set_library_rules target)
+    qz_set_target_rules(${target})
+    set_target_properties(${target} PROPERTIES
+        VERSION ${qz_poly_VERSION}
+        SOVERSION ${qz_poly_VERSION_MAJOR}
+    )
+    # The sanitizers of clang leave their symbols to the executable.
+    if(NOT (QZ_POLY_SANITIZERS AND CMAKE_CXX_COMPILER_ID MATCHES Clang))
+        target_link_options(${target} PRIVATE LINKER:--no-undefined)
+    endif()
+endfunction()
