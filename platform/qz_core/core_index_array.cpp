@@ -1,0 +1,101 @@
+#include <platform/qz_core/core_index_array.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+unsigned int get_width(unsigned int const& largest) {
+    return static_cast<unsigned int>(
+        std::min(32, static_cast<int>(std::bit_width(static_cast<unsigned long long>(largest) + 1))));
+}
+
+// Largest present value plus one; absent entries wrap to 0.
+unsigned int get_largest_stored(CoreBasicArray<unsigned int> const& values) {
+    unsigned int largest = 0;
+    for (unsigned int const value : values) {
+        largest = std::max(largest, value + 1u);
+    }
+    return largest;
+}
+
+}  // namespace
+
+void CoreIndexArray::init(unsigned int const& count, unsigned int const& largest) {
+    allocate(count, get_width(largest));
+    if (m_data) {
+        std::memset(m_data, 0, m_byte_count);
+    }
+}
+
+void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
+    unsigned int const largest = std::max(1u, get_largest_stored(values));
+    allocate(values.get_count(), get_width(largest - 1u));
+    unsigned char* out = m_data;
+    unsigned long long pending = 0;
+    unsigned int pending_bits = 0;
+    unsigned int const bit_count = m_bit_count;
+    for (unsigned int const value : values) {
+        pending |= static_cast<unsigned long long>(value + 1u) << pending_bits;
+        pending_bits += bit_count;
+        if (pending_bits >= 32) {
+            std::memcpy(out, &pending, 4);
+            out += 4;
+            pending >>= 32;
+            pending_bits -= 32;
+        }
+    }
+    if (m_data) {
+        std::size_t const rest = static_cast<std::size_t>(m_data + m_byte_count - out);
+        std::memset(out, 0, rest);
+        std::memcpy(out, &pending, std::min<std::size_t>(rest, 4));
+    }
+}
+
+void CoreIndexArray::copy_from(CoreIndexArray const& other) {
+    if (this == &other) {
+        return;
+    }
+    allocate(other.m_count, other.m_bit_count);
+    if (m_data) {
+        std::memcpy(m_data, other.m_data, m_byte_count);
+    }
+}
+
+void CoreIndexArray::clear() { CoreIndexArray().swap(*this); }
+
+void CoreIndexArray::swap(CoreIndexArray& other) noexcept {
+    std::swap(m_data, other.m_data);
+    std::swap(m_byte_count, other.m_byte_count);
+    std::swap(m_count, other.m_count);
+    std::swap(m_bit_count, other.m_bit_count);
+    std::swap(m_mask, other.m_mask);
+}
+
+void CoreIndexArray::get_indices(unsigned int const& first, unsigned int const& count,
+                                 unsigned int* out) const {
+    unsigned int const begin = first;
+    unsigned int const n = count;
+    for (unsigned int i = 0; i < n; ++i) {
+        out[i] = (*this)[begin + i];
+    }
+}
+
+void CoreIndexArray::get_array(CoreArray<unsigned int>& out) const {
+    out.reset(m_count);
+    get_indices(0, m_count, out.get_data());
+}
+
+// The seven bytes of slack let the last entry be read and written by a 64-bit access.
+void CoreIndexArray::allocate(unsigned int const& count, unsigned int const& bit_count) {
+    unsigned int const new_count = count;
+    unsigned int const new_bit_count = bit_count;
+    clear();
+    m_count = new_count;
+    m_bit_count = new_bit_count;
+    m_mask = static_cast<unsigned int>((1ull << new_bit_count) - 1);
+    if (new_count != 0) {
+        m_byte_count = (static_cast<unsigned long long>(new_count) * new_bit_count + 7) / 8 + 7;
+        m_data = static_cast<unsigned char*>(core_allocate(m_byte_count));
+    }
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <platform/qz_core/core_array.h>
+#include <platform/qz_core/export.h>
+
+#include <bit>
+#include <cassert>
+#include <cstring>
+
+// A packed array of unsigned 32-bit indices. Every value is stored plus one in the same number of
+// bits, the fewest that hold the largest value plus one, so that 0 is left for "no index": such an
+// entry reads 0xFFFFFFFF. New entries are absent. Reads may run on any number of threads at once.
+//
+//     CoreIndexArray corners;
+//     corners.init(3, 7);       // three entries of 0..7 or absent: 4 bits each
+//     corners.set(0, 7);
+//     corners[0];               // 7
+//     corners[1];               // 0xFFFFFFFF
+class QZ_CORE_EXPORT CoreIndexArray {
+  public:
+    static constexpr unsigned int absent = 0xFFFFFFFFu;
+
+    CoreIndexArray() = default;
+    CoreIndexArray(CoreIndexArray const& other) { copy_from(other); }
+    CoreIndexArray(CoreIndexArray&& other) noexcept { swap(other); }
+    ~CoreIndexArray() { core_release(m_data); }
+    CoreIndexArray& operator=(CoreIndexArray const& other) {
+        copy_from(other);
+        return *this;
+    }
+    CoreIndexArray& operator=(CoreIndexArray&& other) noexcept {
+        swap(other);
+        return *this;
+    }
+
+    // Holds `count` absent entries wide enough for 0..`largest`; 0xFFFFFFFF takes all 32 bits.
+    void init(unsigned int const& count, unsigned int const& largest);
+    // Packs `values` in the width of the largest; 0xFFFFFFFF is absent and asks for no width.
+    void copy_from(CoreBasicArray<unsigned int> const& values);
+    void copy_from(CoreIndexArray const& other);
+    void clear();
+    void swap(CoreIndexArray& other) noexcept;
+
+    unsigned int const& get_count() const { return m_count; }
+    bool is_empty() const { return m_count == 0; }
+    unsigned int const& get_bit_count() const { return m_bit_count; }
+    // The largest index that an entry can hold; 0 when nothing was ever stored.
+    unsigned int get_largest_value() const {
+        return m_bit_count == 0 ? 0u : static_cast<unsigned int>(m_mask - 1);
+    }
+
+    // One unaligned 64-bit load, a shift, a mask and a subtraction, with no branch. `index` must be
+    // below the count.
+    unsigned int operator[](unsigned int const& index) const {
+        assert(index < m_count);
+        unsigned long long const bit = static_cast<unsigned long long>(index) * m_bit_count;
+        unsigned long long word;
+        std::memcpy(&word, m_data + (bit >> 3), sizeof word);
+        return static_cast<unsigned int>((word >> (bit & 7)) & m_mask) - 1u;
+    }
+
+    // Stores `value`, or nothing when it is 0xFFFFFFFF. A value above `get_largest_value` does not
+    // fit (asserted in debug builds). Not safe beside other threads, even for other entries.
+    void set(unsigned int const& index, unsigned int const& value) {
+        assert(index < m_count);
+        assert(static_cast<unsigned int>(value + 1u) <= m_mask);
+        unsigned long long const bit = static_cast<unsigned long long>(index) * m_bit_count;
+        unsigned long long word;
+        std::memcpy(&word, m_data + (bit >> 3), sizeof word);
+        word &= ~(static_cast<unsigned long long>(m_mask) << (bit & 7));
+        word |= (static_cast<unsigned long long>(value + 1u) & m_mask) << (bit & 7);
+        std::memcpy(m_data + (bit >> 3), &word, sizeof word);
+    }
+    void set_absent(unsigned int const& index) { set(index, absent); }
+
+    // Unpacks `count` entries from `first` on into `out`.
+    void get_indices(unsigned int const& first, unsigned int const& count, unsigned int* out) const;
+    // Unpacks all entries; the old storage of `out` is freed first.
+    void get_array(CoreArray<unsigned int>& out) const;
+
+    // Bytes: 16 without storage, 28 with, plus the packed bytes with their 7 bytes of slack.
+    unsigned long long get_memory_size() const {
+        return m_byte_count == 0 ? 16ull : 28ull + m_byte_count;
+    }
+
+  private:
+    void allocate(unsigned int const& count, unsigned int const& bit_count);
+
+    unsigned char* m_data = nullptr;
+    unsigned long long m_byte_count = 0;
+    unsigned int m_count = 0;
+    unsigned int m_bit_count = 0;
+    unsigned int m_mask = 0;
+};
+
+static_assert(std::endian::native == std::endian::little, "packed words are little-endian");

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <platform/qz_core/export.h>
+
+#include <cstddef>
+
+// The heap behind every array and string of the platform. `core_allocate` never returns null for a
+// size above zero: a process that is out of memory says so on stderr and aborts, since no caller of
+// an array could go on. A size of zero gives null. Release with `core_release` (or `free`).
+QZ_CORE_EXPORT void* core_allocate(std::size_t const& size);
+QZ_CORE_EXPORT void* core_reallocate(void* block, std::size_t const& size);
+QZ_CORE_EXPORT void core_release(void* block);

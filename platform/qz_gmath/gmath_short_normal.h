@@ -1,0 +1,28 @@
+#pragma once
+
+#include <platform/qz_core.h>
+#include <platform/qz_gmath/gmath_half_float_converter.h>
+#include <platform/qz_gmath/gmath_vec.h>
+
+// A vector of three normalised halves, each in [-1, 1].
+struct GMathShortNormal {
+    unsigned short x;
+    unsigned short y;
+    unsigned short z;
+
+    static GMathShortNormal encode(GMathVec3<float> const& v) {
+        return {GMathHalfFloatConverter::convert_float_to_normalized_half(v.x),
+                GMathHalfFloatConverter::convert_float_to_normalized_half(v.y),
+                GMathHalfFloatConverter::convert_float_to_normalized_half(v.z)};
+    }
+    GMathVec3<float> decode() const {
+        return {GMathHalfFloatConverter::convert_normalized_half_to_float(x),
+                GMathHalfFloatConverter::convert_normalized_half_to_float(y),
+                GMathHalfFloatConverter::convert_normalized_half_to_float(z)};
+    }
+
+    // Equal bits.
+    friend bool operator==(GMathShortNormal const& a, GMathShortNormal const& b) = default;
+};
+
+using GMathShortNormalArray = CoreArray<GMathShortNormal>;

@@ -1,0 +1,85 @@
+#include <platform/qz_sys/sys_file.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t largest_transfer = 1u << 30;  // below the limit of every read and write call
+
+}  // namespace
+
+SysFile::~SysFile() { close(); }
+
+bool SysFile::open(CoreString const& path, Mode const& mode) {
+    close();
+    m_error.clear();
+    m_size = 0;
+    if (path.get_view().find('\0') != std::string_view::npos) {
+        return fail(EINVAL);
+    }
+    int const flags = mode == MODE_READ ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
+    m_descriptor = ::open(path.get_data(), flags | O_CLOEXEC, 0666);
+    if (m_descriptor < 0) {
+        return fail(errno);
+    }
+    struct stat status;
+    if (::fstat(m_descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
+        int const error_number = S_ISDIR(status.st_mode) ? EISDIR : errno;
+        close();
+        return fail(error_number);
+    }
+    m_size = S_ISREG(status.st_mode) ? static_cast<unsigned long long>(status.st_size) : 0;
+    return true;
+}
+
+std::size_t SysFile::read(void* buffer, std::size_t const& size) {
+    std::size_t const wanted = size;
+    std::size_t done = 0;
+    while (is_open() && done < wanted) {
+        std::size_t const part = std::min(wanted - done, largest_transfer);
+        ssize_t const count = ::read(m_descriptor, static_cast<char*>(buffer) + done, part);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            if (count < 0) {
+                fail(errno);
+            }
+            break;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+bool SysFile::write(void const* bytes, std::size_t const& size) {
+    std::size_t const wanted = size;
+    std::size_t done = 0;
+    while (done < wanted) {
+        std::size_t const part = std::min(wanted - done, largest_transfer);
+        ssize_t const count = ::write(m_descriptor, static_cast<char const*>(bytes) + done, part);
+        if (count < 0 && errno != EINTR) {
+            return fail(errno);
+        }
+        done += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    return true;
+}
+
+bool SysFile::close() {
+    int const descriptor = m_descriptor;
+    m_descriptor = -1;
+    return descriptor < 0 || ::close(descriptor) == 0 || fail(errno);
+}
+
+bool SysFile::fail(int const& error_number) {
+    if (m_error.is_empty()) {
+        m_error = CoreString(std::strerror(error_number));
+    }
+    return false;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <platform/qz_core.h>
+#include <platform/qz_sys/export.h>
+
+#include <cstddef>
+
+// An open file, read or written from front to back. Closed by the destructor; not copyable.
+class QZ_SYS_EXPORT SysFile {
+  public:
+    enum Mode {
+        MODE_READ,   // the file must exist
+        MODE_WRITE,  // created, or cut to nothing first
+    };
+
+    SysFile() = default;
+    SysFile(SysFile const&) = delete;
+    SysFile& operator=(SysFile const&) = delete;
+    ~SysFile();
+
+    // Opens the file of a UTF-8 name; an open file is closed first. A directory is refused, and so
+    // is a name with a NUL inside. False leaves the reason in `get_error`.
+    bool open(CoreString const& path, Mode const& mode);
+
+    // Reads up to `size` bytes and returns how many: fewer only at the end of the file or after an
+    // error, which `has_failed` tells apart.
+    std::size_t read(void* buffer, std::size_t const& size);
+    // Writes all bytes; false on an error.
+    bool write(void const* bytes, std::size_t const& size);
+    // False when bytes written earlier could not be stored. Closing twice is fine.
+    bool close();
+
+    bool is_open() const { return m_descriptor >= 0; }
+    bool has_failed() const { return !m_error.is_empty(); }
+    // The system's words for the first thing that went wrong; empty when nothing did.
+    CoreString const& get_error() const { return m_error; }
+    // The size in bytes when the file was opened; 0 for pipes and devices, whose end is not known.
+    unsigned long long const& get_size() const { return m_size; }
+
+  private:
+    bool fail(int const& error_number);
+
+    int m_descriptor = -1;
+    unsigned long long m_size = 0;
+    CoreString m_error;
+};
