@@ -1,0 +1,42 @@
+#pragma once
+
+#include <poly/mesh/poly_mesh_records.h>
+
+// The one way from a primitive to its corners.
+
+inline bool is_quad(PolyMeshTopology const& topology, unsigned int const& primitive) {
+    return (topology.primitive_infos[primitive] & PolyMeshPrimitiveInfo::quad_bit) != 0;
+}
+
+// Writes the primitive's 3 or 4 corner ids, and returns how many. `ids` has room for 4; the fourth
+// of a triangle is left alone.
+inline unsigned int get_primitive_corner_ids(PolyMeshTopology const& topology,
+                                             unsigned int const& primitive, unsigned int* ids) {
+    unsigned int const info = topology.primitive_infos[primitive];
+    unsigned int const offset = topology.primitive_index_offsets[primitive];
+    if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
+        ids[0] = topology.triangle_indices[offset];
+        ids[1] = topology.triangle_indices[offset + 1];
+        ids[2] = topology.triangle_indices[offset + 2];
+        return 3;
+    }
+    ids[0] = offset;
+    ids[1] = offset + 1;
+    ids[2] = offset + 2;
+    if ((info & PolyMeshPrimitiveInfo::quad_bit) == 0) {
+        return 3;
+    }
+    ids[3] = offset + 3;
+    return 4;
+}
+
+// The same with the vertices of the corners.
+inline unsigned int get_primitive_vertices(PolyMeshTopology const& topology,
+                                           unsigned int const& primitive, unsigned int* vertices) {
+    unsigned int ids[4];
+    unsigned int const count = get_primitive_corner_ids(topology, primitive, ids);
+    for (unsigned int k = 0; k < count; ++k) {
+        vertices[k] = topology.polygon_vertex_indices[ids[k]];
+    }
+    return count;
+}
