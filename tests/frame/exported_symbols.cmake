@@ -7,9 +7,9 @@ set(needed
 
 set(classes "(PolyMesh|PolyMeshBase|PolyMeshSmoothed|PolyMeshProperty|PolyHelpers)")
 set(allowed
-    ${needed}
+    "(triangulate_polygon|reverse_poly_order|compute_(triangles|quads|polygons)_neighbourhood)\\(.*"
     "${classes}::.*"
-    "(vtable|typeinfo|typeinfo name) for ${classes}"
+    "(vtable|typeinfo|typeinfo name) for ${classes}(::.*)?"
     "(non-virtual|virtual|covariant return) thunk to ${classes}::.*"
 )
 
