@@ -1,0 +1,101 @@
+#pragma once
+
+#include <poly/mesh/primitive_corners.h>
+
+#include <platform/qz_geometry.h>
+#include <platform/qz_gmath.h>
+
+#include <span>
+
+// Where parameters (s, t) lie among the corners q0, q1, q2 (and q3) of a primitive. This is the one
+// place that knows how a quad is cut.
+//
+//      t                        t
+//      |                        q3 ---- q2
+//      q2                       |  2 /  |        1: the first half, s > t
+//      | \                      |  / 1  |        2: the second half, s <= t
+//      q0 - q1 -- s             q0 ---- q1 -- s
+//
+// On its triangle, a point has the weights w0, w1, w2 of the corners c0, c1, c2. The derivatives of
+// anything that is linear on the triangle are differences of two of its values at these corners.
+
+// One triangle of a primitive.
+struct SurfaceTriangle {
+    unsigned int corners[3];  // c0, c1, c2, as numbers of the primitive's corners
+    unsigned int s_start;     // the derivative by s is x1 - x[s_start]
+    unsigned int t_start;     // the derivative by t is x2 - x[t_start]
+};
+
+// A triangle that is a primitive of its own; the first half of a quad; the second half.
+constexpr SurfaceTriangle surface_triangles[3] = {
+    {{0, 1, 2}, 0, 0},
+    {{0, 1, 2}, 0, 1},
+    {{0, 2, 3}, 2, 0},
+};
+
+// All triangles of a primitive.
+inline std::span<SurfaceTriangle const> get_surface_triangles(bool const& is_quad) {
+    return is_quad ? std::span(surface_triangles + 1, 2) : std::span(surface_triangles, 1);
+}
+
+// The parameters on the primitive of the point with the weights `u` of c1 and `v` of c2 on triangle
+// number `triangle` of `surface_triangles`.
+template <unsigned int triangle>
+void compute_surface_parameters(float const& u, float const& v, float& s, float& t) {
+    s = triangle == 1 ? u + v : u;
+    t = triangle == 2 ? u + v : v;
+}
+
+// A triangle, and the weights on it of its three corners.
+struct SurfaceWeights {
+    SurfaceTriangle const* triangle;
+    float w[3];
+
+    // The value, and its derivatives, of what takes the values `x` at c0, c1, c2.
+    template <typename T>
+    T interpolate(T const (&x)[3]) const {
+        return (x[0] * w[0] + x[1] * w[1]) + x[2] * w[2];
+    }
+    template <typename T>
+    T derive_by_s(T const (&x)[3]) const {
+        return x[1] - x[triangle->s_start];
+    }
+    template <typename T>
+    T derive_by_t(T const (&x)[3]) const {
+        return x[2] - x[triangle->t_start];
+    }
+};
+
+// The weights that surfaces and maps are sampled with. The halves are told apart, and a difference
+// of s and t is formed, in doubles; everything else is in floats.
+inline SurfaceWeights compute_sampling_weights(bool const& is_quad, double const& s,
+                                               double const& t) {
+    float const narrow_s = static_cast<float>(s);
+    float const narrow_t = static_cast<float>(t);
+    if (!is_quad) {
+        return {&surface_triangles[0], {(1.0f - narrow_s) - narrow_t, narrow_s, narrow_t}};
+    }
+    if (s <= t) {
+        return {&surface_triangles[2], {1.0f - narrow_t, narrow_s, static_cast<float>(t - s)}};
+    }
+    return {&surface_triangles[1], {1.0f - narrow_s, static_cast<float>(s - t), narrow_t}};
+}
+
+// The weights that properties are evaluated with. Deliberate: on a quad, w0 is rounded otherwise
+// than in sampling.
+inline SurfaceWeights compute_property_weights(bool const& is_quad, double const& s,
+                                               double const& t) {
+    SurfaceWeights weights = compute_sampling_weights(is_quad, s, t);
+    weights.w[0] = (1.0f - weights.w[1]) - weights.w[2];
+    return weights;
+}
+
+// Writes the corner ids of c0, c1, c2.
+inline void get_surface_corner_ids(PolyMeshTopology const& topology, unsigned int const& primitive,
+                                   SurfaceTriangle const& triangle, unsigned int (&ids)[3]) {
+    unsigned int all_ids[4];
+    get_primitive_corner_ids(topology, primitive, all_ids);
+    for (unsigned int k = 0; k < 3; ++k) {
+        ids[k] = all_ids[triangle.corners[k]];
+    }
+}
