@@ -116,9 +116,25 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     PolyMeshTopology const& get_topology() const { return *m_topology; }
     PolyMeshGeometry const& get_geometry() const { return *m_geometry; }
 
+    // A breakdown of `get_memory_size` to the log, at level 3.
+    void print_stats() const;
+
     // ResourceData
 
+    unsigned long long get_memory_size() const override;
+    // Made when the mesh was filled, from the positions, velocities and polygons alone: meshes that
+    // differ only in names, maps, creases or edge visibility share a key. A mesh read back by
+    // `deserialize` has another key than `set` gave it, since its block holds no shading groups.
     Core128BitHashKey get_hash_key() const override;
+    bool is_serializable() const override;
+    // A block of positions, velocities and polygons; release it with `free`. Groups, maps, creases
+    // and edge visibility are not kept. Blocks of 4 GiB or more cannot be read back, which is logged
+    // at level 2. Null, with a size of 0, when there is no memory for it.
+    unsigned char* serialize(unsigned long long& size) const override;
+    // Replaces the mesh by a block's: everything in one group "default", 4-gons that are not convex
+    // cut, no maps. Creases and the compression mode of a mesh that owns its topology stay. False,
+    // with the reason at level 2 and the mesh unchanged, for a block that contradicts itself.
+    bool deserialize(unsigned char const* block, unsigned long long const& size) override;
 
     // GeometryObject
 
@@ -209,8 +225,21 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     void own_topology_copy();
     void own_geometry_copy();
 
-    void set_polygons(PolyMeshPolygons const& polygons,
-                      CoreBasicArray<CoreString> const& shading_group_names);
+    // The steps of filling. `install` keeps what is given, in records of this mesh's own: the point
+    // cloud, the polygons, and the uv and color maps. What `set` then derives with progress tasks
+    // around it, `rebuild` derives without.
+    void install(CoreBasicArray<GMathVec3<float>> const& positions,
+                 CoreBasicArray<GMathVec3<float>> const& velocities,
+                 PolyMeshPolygons const& polygons,
+                 CoreBasicArray<CoreString> const& shading_group_names,
+                 CoreBasicArray<GeometryUvMap> const& uv_maps,
+                 CoreBasicArray<GeometryColorMap> const& color_maps);
+    void rebuild(PolyMeshPolygons const& polygons, bool const& check_quads,
+                 CoreBasicArray<GeometryNormalMap> const& normal_maps);
+    void assign_uv_maps(CoreBasicArray<GeometryUvMap> const& uv_maps,
+                        unsigned int const& vertex_count);
+    void assign_color_maps(CoreBasicArray<GeometryColorMap> const& color_maps,
+                           unsigned int const& vertex_count);
     void build_primitives(PolyMeshPolygons const& polygons, bool const& check_quads,
                           AppProgressBar* progress);
     void update_normals(AppProgressBar* progress);

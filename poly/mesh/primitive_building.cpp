@@ -1,0 +1,215 @@
+#include <poly/mesh/primitive_building.h>
+
+#include <poly/mesh/progress_task.h>
+#include <poly/topology/triangulate_polygon.h>
+
+#include <algorithm>
+#include <cassert>
+
+namespace {
+
+constexpr unsigned int whole_triangle_info = 62;  // direct, all edge bits set, the unused one too
+constexpr unsigned int whole_quad_info = 63;      // the same with the quad bit
+
+// p and r lie strictly on opposite sides of the line through q and s.
+bool are_opposite(GMathVec3<float> const& q, GMathVec3<float> const& s, GMathVec3<float> const& p,
+                  GMathVec3<float> const& r) {
+    GMathVec3<float> const diagonal = s - q;
+    return gmath_dot(gmath_cross(r - q, diagonal), gmath_cross(p - q, diagonal)) < 0.0f;
+}
+
+bool is_convex_quad(GMathVec3<float> const* positions, unsigned int const* corners) {
+    GMathVec3<float> const& p0 = positions[corners[0]];
+    GMathVec3<float> const& p1 = positions[corners[1]];
+    GMathVec3<float> const& p2 = positions[corners[2]];
+    GMathVec3<float> const& p3 = positions[corners[3]];
+    return are_opposite(p1, p3, p0, p2) && are_opposite(p0, p2, p3, p1);
+}
+
+// Edge k of a cut triangle is visible when it is a side of the polygon.
+unsigned char get_cut_info(unsigned int const* triangle, unsigned int const& corner_count) {
+    unsigned int info = 0;
+    for (unsigned int k = 0; k < 3; ++k) {
+        unsigned int const next = triangle[k] + 1 == corner_count ? 0 : triangle[k] + 1;
+        if (triangle[k == 2 ? 0 : k + 1] == next) {
+            info |= 1u << (PolyMeshPrimitiveInfo::edge_shift + k);
+        }
+    }
+    return static_cast<unsigned char>(info);
+}
+
+// Walks the polygons twice: to count the primitives, then to fill the arrays. Buffers grow to the
+// largest polygon, so the number of allocations does not depend on how many there are.
+class PrimitiveBuilder {
+  public:
+    PrimitiveBuilder(PolyMeshPolygons const& polygons,
+                     CoreBasicArray<GMathVec3<float>> const& positions, bool const& check_quads,
+                     PolyMeshTopology& topology)
+        : m_polygons(polygons),
+          m_positions(positions.get_data()),
+          m_check_quads(check_quads),
+          m_topology(topology) {}
+
+    unsigned int build(AppProgressBar* progress) {
+        count_primitives();
+        allocate();
+        set_step_count(progress, m_polygons.vertex_count.get_count());
+        fill(progress);
+        m_topology.triangle_indices.copy_from(m_triangles);
+        m_topology.primitive_index_offsets.copy_from(m_offsets);
+        return m_degenerate_count;
+    }
+
+  private:
+    void count_primitives() {
+        unsigned int const polygon_count = m_polygons.vertex_count.get_count();
+        m_is_cut.reset(polygon_count);
+        unsigned long long corner = 0;
+        for (unsigned int polygon = 0; polygon < polygon_count; ++polygon) {
+            unsigned int const n = m_polygons.vertex_count[polygon];
+            assert(corner + n <= m_polygons.vertex_indices.get_count());
+            bool const is_cut = n > 4 || (n == 4 && m_check_quads && !is_convex(corner));
+            m_is_cut[polygon] = is_cut;
+            if (n >= 3) {
+                m_primitive_count += is_cut ? n - 2 : 1;
+                m_cut_count += is_cut ? n - 2 : 0;
+            }
+            corner += n;
+        }
+    }
+
+    bool is_convex(unsigned long long const& corner) const {
+        return is_convex_quad(m_positions, m_polygons.vertex_indices.get_data() + corner);
+    }
+
+    void allocate() {
+        m_triangles.reset(3 * m_cut_count);
+        m_offsets.reset(m_primitive_count);
+        m_topology.primitive_infos.reset(m_primitive_count);
+        m_topology.primitive_polygon_indices.init(m_primitive_count,
+                                                  m_polygons.vertex_count.get_count() - 1);
+        m_topology.primitive_shading_groups.init(
+            m_primitive_count, m_topology.polygon_shading_groups.get_largest_value());
+        m_topology.primitive_index_count = 0;
+        m_topology.triangle_count = 0;
+        m_topology.quad_count = 0;
+    }
+
+    void fill(AppProgressBar* progress) {
+        unsigned int const polygon_count = m_polygons.vertex_count.get_count();
+        for (unsigned int polygon = 0; polygon < polygon_count; ++polygon) {
+            unsigned int const n = m_polygons.vertex_count[polygon];
+            if (n >= 3 && m_is_cut[polygon]) {
+                add_cut_polygon(polygon, n);
+            } else if (n >= 3) {
+                add_whole_polygon(polygon, n);
+            }
+            m_corner += n;
+            step(progress, polygon + 1);
+        }
+    }
+
+    void add_cut_polygon(unsigned int const& polygon, unsigned int const& n) {
+        unsigned int const triangle_count = n - 2;
+        if (m_cut.get_count() < 3 * triangle_count) {
+            m_cut.reset(3 * triangle_count);
+        }
+        unsigned int const* const corners = m_polygons.vertex_indices.get_data() + m_corner;
+        unsigned int const written =
+            triangulate_polygon(m_positions, corners, n, m_cut.get_data()) / 3;
+        if (written < triangle_count) {
+            m_degenerate_count += triangle_count - written;
+            cut_as_fan(triangle_count);
+        }
+        for (unsigned int t = 0; t < triangle_count; ++t) {
+            add_cut_triangle(polygon, n, m_cut.get_data() + 3 * t);
+        }
+        m_topology.primitive_index_count += 3 * triangle_count;
+        m_topology.triangle_count += triangle_count;
+    }
+
+    void cut_as_fan(unsigned int const& triangle_count) {
+        for (unsigned int t = 0; t < triangle_count; ++t) {
+            m_cut[3 * t] = 0;
+            m_cut[3 * t + 1] = t + 1;
+            m_cut[3 * t + 2] = t + 2;
+        }
+    }
+
+    void add_cut_triangle(unsigned int const& polygon, unsigned int const& n,
+                          unsigned int const* triangle) {
+        add_primitive(polygon, get_cut_info(triangle, n), m_triangle_corner);
+        for (unsigned int k = 0; k < 3; ++k) {
+            m_triangles[m_triangle_corner++] = m_corner + triangle[k];
+        }
+    }
+
+    void add_whole_polygon(unsigned int const& polygon, unsigned int const& n) {
+        add_primitive(polygon, n == 4 ? whole_quad_info : whole_triangle_info, m_corner);
+        m_topology.primitive_index_count += n;
+        m_topology.triangle_count += n == 3 ? 1 : 0;
+        m_topology.quad_count += n == 4 ? 1 : 0;
+    }
+
+    void add_primitive(unsigned int const& polygon, unsigned int const& info,
+                       unsigned int const& offset) {
+        m_topology.primitive_infos[m_primitive] = static_cast<unsigned char>(info);
+        m_offsets[m_primitive] = offset;
+        m_topology.primitive_polygon_indices.set(m_primitive, polygon);
+        m_topology.primitive_shading_groups.set(m_primitive, m_polygons.shading_groups[polygon]);
+        ++m_primitive;
+    }
+
+    PolyMeshPolygons m_polygons;
+    GMathVec3<float> const* m_positions;
+    bool m_check_quads;
+    PolyMeshTopology& m_topology;
+
+    CoreArray<bool> m_is_cut;  // by polygon
+    CoreArray<unsigned int> m_triangles;
+    CoreArray<unsigned int> m_offsets;
+    CoreArray<unsigned int> m_cut;  // corner numbers of one polygon's triangles
+    unsigned int m_primitive_count = 0;
+    unsigned int m_cut_count = 0;
+
+    unsigned int m_corner = 0;           // the first corner of the polygon at hand
+    unsigned int m_triangle_corner = 0;  // the next free place of m_triangles
+    unsigned int m_primitive = 0;
+    unsigned int m_degenerate_count = 0;
+};
+
+}  // namespace
+
+bool is_buildable(CoreBasicArray<unsigned int> const& polygon_vertex_count) {
+    unsigned long long corner_count = 0;
+    for (unsigned int const n : polygon_vertex_count) {
+        corner_count += 3ull * (n > 2 ? n - 2 : 0);
+    }
+    return corner_count <= 0xFFFFFFFEull;
+}
+
+void log_too_large(char const* operation) {
+    CoreLogHandler& log = CoreLogHandler::get_main();
+    if (log.is_admitted(2)) {
+        CoreLogStream stream;
+        stream << operation << ": The polygons have too many corners.\n";
+        log.log(2, stream);
+    }
+}
+
+unsigned int build_primitives(PolyMeshPolygons const& polygons,
+                              CoreBasicArray<GMathVec3<float>> const& positions,
+                              bool const& check_quads, PolyMeshTopology& topology,
+                              AppProgressBar* progress) {
+    return PrimitiveBuilder(polygons, positions, check_quads, topology).build(progress);
+}
+
+void log_degenerate_triangles(unsigned int const& count, AppProgressBar const* progress) {
+    CoreLogHandler& log = CoreLogHandler::get_main();
+    if (log.is_admitted(4)) {
+        CoreLogStream stream;
+        stream << (progress ? progress->get_name() : CoreString("PolyMesh"))
+               << ": the triangulation has detected " << count << " degenerated triangle(s).\n";
+        log.log(4, stream);
+    }
+}

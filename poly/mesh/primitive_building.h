@@ -1,0 +1,23 @@
+#pragma once
+
+#include <platform/qz_app_base.h>
+#include <poly/mesh/poly_mesh_records.h>
+
+// Whether polygons of these corner counts can be built: all cut into triangles, their corners must
+// number at most 2^32 - 2.
+bool is_buildable(CoreBasicArray<unsigned int> const& polygon_vertex_count);
+// Says at level 2 that they cannot. `operation` is the class and operation joined by a point.
+void log_too_large(char const* operation);
+
+// Fills the primitive arrays and counters of `topology`. Triangles stay whole. So do 4-gons; with
+// `check_quads` only those whose corners lie strictly on opposite sides of both diagonals. All other
+// polygons are cut by `triangulate_polygon`; where that falls short, by a fan from corner 0.
+// `topology` must hold the polygons already; `progress` may be null.
+// Returns the number of triangles that had to come from fans for want of better ones.
+unsigned int build_primitives(PolyMeshPolygons const& polygons,
+                              CoreBasicArray<GMathVec3<float>> const& positions,
+                              bool const& check_quads, PolyMeshTopology& topology,
+                              AppProgressBar* progress);
+
+// Says at level 4 that `count` triangles are degenerate.
+void log_degenerate_triangles(unsigned int const& count, AppProgressBar const* progress);
