@@ -28,8 +28,10 @@ bool SysFile::open(CoreString const& path, Mode const& mode) {
         return fail(errno);
     }
     struct stat status;
-    if (::fstat(m_descriptor, &status) != 0 || S_ISDIR(status.st_mode)) {
-        int const error_number = S_ISDIR(status.st_mode) ? EISDIR : errno;
+    int const error_number = ::fstat(m_descriptor, &status) != 0 ? errno
+                             : S_ISDIR(status.st_mode)           ? EISDIR
+                                                                 : 0;
+    if (error_number != 0) {
         close();
         return fail(error_number);
     }
