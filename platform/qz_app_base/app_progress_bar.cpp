@@ -55,7 +55,7 @@ void AppProgressBar::end_task() {
     Task const& task = get_current_task();
     double const end = task.begin + task.size;
     m_tasks.resize(m_tasks.get_count() - 1);
-    m_next_step = no_step;
+    m_next_step = get_current_task().step_count == 0 ? no_step : 0;  // the outer steps go on
     raise_value(end);
 }
 
