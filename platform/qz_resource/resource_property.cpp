@@ -34,10 +34,8 @@ unsigned long long ResourceProperty::get_memory_size() const {
     return sizeof(ResourceProperty) + m_bytes.get_memory_size() + m_offsets.get_memory_size();
 }
 
-// At most 2^32 - 1 bytes.
 void ResourceProperty::allocate(unsigned long long const& element_count) {
-    unsigned long long const byte_count = element_count * m_element_size;
-    assert(byte_count <= 0xFFFFFFFFull);
-    m_bytes.reset(static_cast<unsigned int>(byte_count));
+    assert(m_element_size == 0 || element_count <= 0xFFFFFFFFull / m_element_size);
+    m_bytes.reset(static_cast<unsigned int>(element_count * m_element_size));
     m_bytes.fill(0);
 }

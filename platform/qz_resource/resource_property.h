@@ -3,8 +3,8 @@
 #include <platform/qz_core.h>
 #include <platform/qz_resource/export.h>
 
-// A block of value items of one type. Every item is a run of elements: all of one length, or each
-// of its own.
+// A block of value items of one type, of at most 2^32 - 1 bytes. Every item is a run of elements:
+// all of one length, or each of its own.
 class QZ_RESOURCE_EXPORT ResourceProperty {
   public:
     enum Type {
@@ -46,8 +46,8 @@ class QZ_RESOURCE_EXPORT ResourceProperty {
         return has_offsets() ? m_offsets[index + 1] - m_offsets[index] : m_extent;
     }
 
-    // The elements of item `index`, which must be below the item count or have its length respected
-    // as 0. They are aligned for their type.
+    // The elements of item `index`, aligned for their type; the end of the block for an item past
+    // the last.
     void const* get_item_values(unsigned int const& index) const {
         return m_bytes.get_data() + get_item_offset(index) * m_element_size;
     }
@@ -59,10 +59,8 @@ class QZ_RESOURCE_EXPORT ResourceProperty {
 
   private:
     unsigned long long get_item_offset(unsigned int const& index) const {
-        if (has_offsets()) {
-            return m_offsets[index < m_item_count ? index : m_item_count];
-        }
-        return static_cast<unsigned long long>(index) * m_extent;
+        unsigned int const item = index < m_item_count ? index : m_item_count;
+        return has_offsets() ? m_offsets[item] : static_cast<unsigned long long>(item) * m_extent;
     }
     void allocate(unsigned long long const& element_count);
 
