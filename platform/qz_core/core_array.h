@@ -37,7 +37,7 @@ class CoreBasicArray {
 };
 
 // An owning array that grows. Copies are deep and hold exactly their elements. New elements of a
-// trivial type are left uninitialised; others are default-constructed. An array without elements
+// trivially copyable type are left uninitialised; others are default-constructed. An array without elements
 // may still have storage; `clear` gives it back.
 template <typename T>
 class CoreArray : public CoreBasicArray<T> {

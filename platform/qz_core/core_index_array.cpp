@@ -46,9 +46,9 @@ void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
         }
     }
     if (m_data) {
-        std::size_t const rest = static_cast<std::size_t>(m_data + m_byte_count - out);
-        std::memset(out, 0, rest);
-        std::memcpy(out, &pending, std::min<std::size_t>(rest, 4));
+        // The slack leaves room for the pending bits, fewer than 32.
+        std::memset(out, 0, static_cast<std::size_t>(m_data + m_byte_count - out));
+        std::memcpy(out, &pending, 4);
     }
 }
 
