@@ -1,0 +1,37 @@
+#include <platform/qz_lwo/lwo.h>
+
+#include <platform/qz_lwo/lwo_file.h>
+#include <platform/qz_lwo/lwo_form.h>
+#include <platform/qz_lwo/lwo_object.h>
+#include <platform/qz_sys.h>
+
+bool Lwo::is_valid(CoreString const& path) {
+    SysFile file;
+    unsigned char header[lwo_form_header_size];
+    return file.open(path, SysFile::MODE_READ) &&
+           lwo_is_form_header(header, file.read(header, sizeof header));
+}
+
+bool Lwo::load(CoreString const& path, CoreString const& item_name,
+               CoreArray<GMathVec3<float>>& positions,
+               CoreArray<unsigned int>& polygon_vertex_indices,
+               CoreArray<unsigned int>& polygon_vertex_count,
+               CoreArray<unsigned int>& polygon_shading_groups,
+               CoreArray<CoreString>& shading_group_names, CoreArray<GeometryUvMap>& uv_maps,
+               CoreArray<GeometryNormalMap>& normal_maps, AppProgressBar* progress) {
+    LwoReport report(path, progress);
+    LwoFile file;
+    LwoMesh mesh;
+    if (!file.read(path, report) ||
+        !lwo_read_object(file.get_bytes(), file.get_size(), item_name, mesh, report)) {
+        return false;
+    }
+    positions.swap(mesh.positions);
+    polygon_vertex_indices.swap(mesh.corners);
+    polygon_vertex_count.swap(mesh.polygon_counts);
+    polygon_shading_groups.swap(mesh.polygon_groups);
+    shading_group_names.swap(mesh.group_names);
+    uv_maps.swap(mesh.uv_maps);
+    normal_maps.swap(mesh.normal_maps);
+    return true;
+}
