@@ -84,12 +84,14 @@ void read_polygon_normals(PolyMeshNormalMap const& map, PolyMeshTopology const& 
 
 void read_primitive_normals(PolyMeshNormalMap const& map, PolyMeshTopology const& topology,
                             GeometryPointCloudData const& points,
-                            CoreArray<GMathVec3<float>>& normals, CoreArray<unsigned int>& indices) {
+                            CoreArray<GMathVec3<float>>& normals,
+                            CoreArray<unsigned int>& indices) {
     CoreArray<unsigned int> corner_indices;
     read_polygon_normals(map, topology, points, normals, corner_indices);
     indices.reset(topology.primitive_index_count);
     unsigned int* next = indices.get_data();
-    for (unsigned int primitive = 0; primitive < topology.primitive_infos.get_count(); ++primitive) {
+    for (unsigned int primitive = 0; primitive < topology.primitive_infos.get_count();
+         ++primitive) {
         unsigned int ids[4];
         unsigned int const count = get_primitive_corner_ids(topology, primitive, ids);
         for (unsigned int k = 0; k < count; ++k) {

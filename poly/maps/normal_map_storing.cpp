@@ -67,8 +67,8 @@ class NormalMapStore {
         FlatNormals flat;
         flat.count = count - 2;
         for (unsigned int half = 0; half < flat.count; ++half) {
-            flat.normals[half] = GMathShortNormal::encode(compute_flat_normal(
-                p[vertices[0]], p[vertices[half + 1]], p[vertices[half + 2]]));
+            flat.normals[half] = GMathShortNormal::encode(
+                compute_flat_normal(p[vertices[0]], p[vertices[half + 1]], p[vertices[half + 2]]));
         }
         return flat;
     }

@@ -24,9 +24,7 @@ struct LoadedFile {
     CoreArray<CoreString> property_names;  // no loader fills it so far
     std::unique_ptr<ResourceImportData> import_data;
 
-    PolyMeshPolygons get_polygons() const {
-        return {vertex_indices, vertex_count, shading_groups};
-    }
+    PolyMeshPolygons get_polygons() const { return {vertex_indices, vertex_count, shading_groups}; }
 };
 
 // The content decides, not the extension.
@@ -53,8 +51,8 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
                                 double const& /*time*/, AppProgressBar* load_progress,
                                 AppProgressBar* build_progress) {
     if (!SysFilesystem::file_exists(path)) {
-        log_refusal(CoreLogStream() << "PolyMesh.import_from_file: File '" << path
-                                    << "' not found.\n");
+        log_refusal(CoreLogStream()
+                    << "PolyMesh.import_from_file: File '" << path << "' not found.\n");
         return false;
     }
     LoadedFile file;

@@ -1,10 +1,10 @@
 #include <poly/mesh/poly_mesh.h>
 
 #include <poly/mesh/content_key.h>
+#include <poly/mesh/mesh_bounds.h>
 #include <poly/mesh/primitive_building.h>
 #include <poly/mesh/progress_task.h>
 #include <poly/mesh/vertex_normals.h>
-#include <poly/mesh/mesh_bounds.h>
 
 #include <cassert>
 

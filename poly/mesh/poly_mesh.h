@@ -7,10 +7,8 @@
 // renderer bounds, intersects and samples.
 //
 //     PolyMesh mesh;
-//     mesh.set(positions, {}, vertex_indices, vertex_count, groups, names, {}, {}, {}, true, nullptr);
-//     GeometryRay ray;
-//     GeometryHit hit;
-//     GeometryRaytraceCtx rays(&ray, &hit, 1);
+//     mesh.set(positions, {}, vertex_indices, vertex_count, groups, names, {}, {}, {}, true,
+//     nullptr); GeometryRay ray; GeometryHit hit; GeometryRaytraceCtx rays(&ray, &hit, 1);
 //     mesh.intersect_primitive(CtxEval(), 0, rays);
 //
 // Threads: const operations run on any number of threads at once and take no lock, but for the
@@ -18,12 +16,12 @@
 //
 // Copies share the topology and the geometry record until one of them writes:
 //
-// |                      | point cloud | records                  | who frees the records          |
+// |                      | point cloud | records                  | who frees the records |
 // |----------------------|-------------|--------------------------|--------------------------------|
-// | default construction | own         | own, empty               | the mesh                       |
-// | copy construction    | shared      | the source's             | the source                     |
-// | assignment           | shared      | the source's             | both claim them; what the target owned is leaked |
-// | destruction          | released    | freed where owned        |                                |
+// | default construction | own         | own, empty               | the mesh | | copy construction
+// | shared      | the source's             | the source                     | | assignment | shared
+// | the source's             | both claim them; what the target owned is leaked | | destruction |
+// released    | freed where owned        |                                |
 //
 // So a copy must not outlive its source unless it has written since (`set_creases` and its like
 // give it its own topology, `set` both records). Assignment is deliberately asymmetric: after
@@ -128,8 +126,8 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     Core128BitHashKey get_hash_key() const override;
     bool is_serializable() const override;
     // A block of positions, velocities and polygons; release it with `free`. Groups, maps, creases
-    // and edge visibility are not kept. Blocks of 4 GiB or more cannot be read back, which is logged
-    // at level 2. Null, with a size of 0, when there is no memory for it.
+    // and edge visibility are not kept. Blocks of 4 GiB or more cannot be read back, which is
+    // logged at level 2. Null, with a size of 0, when there is no memory for it.
     unsigned char* serialize(unsigned long long& size) const override;
     // Replaces the mesh by a block's: everything in one group "default", 4-gons that are not convex
     // cut, no maps. Creases and the compression mode of a mesh that owns its topology stay. False,
@@ -170,8 +168,7 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
                          CoreArray<unsigned int>& indices) const override;
     void compute_fragment_uvw(CtxEval const& ctx, GeometryFragment const& fragment,
                               unsigned int const& map, GMathVec3<double>& uvw,
-                              GMathVec3<double>& uvw_ds,
-                              GMathVec3<double>& uvw_dt) const override;
+                              GMathVec3<double>& uvw_ds, GMathVec3<double>& uvw_dt) const override;
     void compute_edge_uvw(CtxEval const& ctx, unsigned int const& primitive,
                           unsigned int const& edge, unsigned int const& map, double const& t,
                           GMathVec3<double>& uvw) const override;

@@ -47,9 +47,10 @@ struct PolyMeshPrimitiveInfo {
 // | polygon_shading_groups    | polygons (or more)   | its shading group                          |
 // | triangle_indices          | 3 per cut primitive  | a corner id                                |
 // | primitive_polygon_indices | primitives           | the polygon that it belongs to             |
-// | primitive_index_offsets   | primitives           | where its corners start: in polygon_vertex_indices when direct, else in triangle_indices |
-// | primitive_shading_groups  | primitives           | its polygon's shading group                |
-// | primitive_infos           | primitives           | the bits of PolyMeshPrimitiveInfo          |
+// | primitive_index_offsets   | primitives           | where its corners start: in
+// polygon_vertex_indices when direct, else in triangle_indices | | primitive_shading_groups  |
+// primitives           | its polygon's shading group                | | primitive_infos           |
+// primitives           | the bits of PolyMeshPrimitiveInfo          |
 struct PolyMeshTopology {
     // How uv values are kept; applies to maps assigned later.
     enum CompressionMode {

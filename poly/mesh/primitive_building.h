@@ -10,8 +10,8 @@ bool is_buildable(CoreBasicArray<unsigned int> const& polygon_vertex_count);
 void log_too_large(char const* operation);
 
 // Fills the primitive arrays and counters of `topology`. Triangles stay whole. So do 4-gons; with
-// `check_quads` only those whose corners lie strictly on opposite sides of both diagonals. All other
-// polygons are cut by `triangulate_polygon`; where that falls short, by a fan from corner 0.
+// `check_quads` only those whose corners lie strictly on opposite sides of both diagonals. All
+// other polygons are cut by `triangulate_polygon`; where that falls short, by a fan from corner 0.
 // `topology` must hold the polygons already; `progress` may be null.
 // Returns the number of triangles that had to come from fans for want of better ones.
 unsigned int build_primitives(PolyMeshPolygons const& polygons,

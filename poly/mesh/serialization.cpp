@@ -91,7 +91,8 @@ struct BlockArray {
     void copy_to(CoreArray<T>& array) const {
         array.reset(count);
         if (count != 0) {
-            std::memcpy(static_cast<void*>(array.get_data()), bytes, sizeof(T) * std::size_t(count));
+            std::memcpy(static_cast<void*>(array.get_data()), bytes,
+                        sizeof(T) * std::size_t(count));
         }
     }
     T get(unsigned int const& index) const {
@@ -198,8 +199,8 @@ bool PolyMesh::deserialize(unsigned char const* block, unsigned long long const&
     groups.fill(0);
     CoreArray<CoreString> names(1);
     names[0] = "default";
-    PolyMeshPolygons const hashed{vertex_indices, vertex_count,
-                                  {groups.get_data(), vertex_indices.get_count()}};
+    PolyMeshPolygons const hashed{
+        vertex_indices, vertex_count, {groups.get_data(), vertex_indices.get_count()}};
     m_hash_key = compute_content_key(positions, velocities, hashed);
     install(positions, velocities, {vertex_indices, vertex_count, groups}, names, {}, {});
     rebuild({vertex_indices, vertex_count, groups}, true, {});

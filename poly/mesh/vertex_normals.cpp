@@ -88,9 +88,9 @@ void compute_vertex_normals(PolyMeshTopology const& topology,
     set_step_count(progress, primitive_count);
     for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
         unsigned int const group_index = topology.primitive_shading_groups[primitive];
-        PolyMeshNormalSum* const group = group_index < group_count
-                                             ? geometry.shading_group_normals.get_data() + group_index
-                                             : nullptr;
+        PolyMeshNormalSum* const group =
+            group_index < group_count ? geometry.shading_group_normals.get_data() + group_index
+                                      : nullptr;
         unsigned int v[4];
         unsigned int const count = get_primitive_vertices(topology, primitive, v);
         add_triangle(points, v[0], v[1], v[2], sums, group);
