@@ -1,6 +1,7 @@
 #!/bin/sh
 # identical.sh PROGRAM... -- FILE...
 # Dumps every file, and a few spheres, by every build of the program: all must print the same bytes.
+# The names of the programs hold no blanks.
 set -eu
 
 programs=
