@@ -7,8 +7,10 @@
 // renderer bounds, intersects and samples.
 //
 //     PolyMesh mesh;
-//     mesh.set(positions, {}, vertex_indices, vertex_count, groups, names, {}, {}, {}, true,
-//     nullptr); GeometryRay ray; GeometryHit hit; GeometryRaytraceCtx rays(&ray, &hit, 1);
+//     mesh.set(positions, {}, indices, counts, groups, names, {}, {}, {}, true, nullptr);
+//     GeometryRay ray;
+//     GeometryHit hit;
+//     GeometryRaytraceCtx rays(&ray, &hit, 1);
 //     mesh.intersect_primitive(CtxEval(), 0, rays);
 //
 // Threads: const operations run on any number of threads at once and take no lock, but for the
@@ -16,12 +18,12 @@
 //
 // Copies share the topology and the geometry record until one of them writes:
 //
-// |                      | point cloud | records                  | who frees the records |
-// |----------------------|-------------|--------------------------|--------------------------------|
-// | default construction | own         | own, empty               | the mesh | | copy construction
-// | shared      | the source's             | the source                     | | assignment | shared
-// | the source's             | both claim them; what the target owned is leaked | | destruction |
-// released    | freed where owned        |                                |
+// |                      | point cloud | records      | who frees the records               |
+// |----------------------|-------------|--------------|-------------------------------------|
+// | default construction | own         | own, empty   | the mesh                            |
+// | copy construction    | shared      | the source's | the source                          |
+// | assignment           | shared      | the source's | both claim them; the old ones leak  |
+// | destruction          | released    |              | the mesh, where it owns them        |
 //
 // So a copy must not outlive its source unless it has written since (`set_creases` and its like
 // give it its own topology, `set` both records). Assignment is deliberately asymmetric: after

@@ -40,17 +40,19 @@ struct PolyMeshPrimitiveInfo {
 
 // Polygons, primitives, names, and the maps that do not depend on positions.
 //
-// | field                     | length               | an entry                                   |
-// |---------------------------|----------------------|--------------------------------------------|
-// | polygon_vertex_count      | polygons             | its corners                                |
-// | polygon_vertex_indices    | corners              | its vertex; polygon after polygon          |
-// | polygon_shading_groups    | polygons (or more)   | its shading group                          |
-// | triangle_indices          | 3 per cut primitive  | a corner id                                |
-// | primitive_polygon_indices | primitives           | the polygon that it belongs to             |
-// | primitive_index_offsets   | primitives           | where its corners start: in
-// polygon_vertex_indices when direct, else in triangle_indices | | primitive_shading_groups  |
-// primitives           | its polygon's shading group                | | primitive_infos           |
-// primitives           | the bits of PolyMeshPrimitiveInfo          |
+// | field                     | length               | an entry                                  |
+// |---------------------------|----------------------|-------------------------------------------|
+// | polygon_vertex_count      | polygons             | its corners                               |
+// | polygon_vertex_indices    | corners              | its vertex; polygon after polygon         |
+// | polygon_shading_groups    | polygons (or more)   | its shading group                         |
+// | triangle_indices          | 3 per cut primitive  | a corner id                               |
+// | primitive_polygon_indices | primitives           | the polygon that it belongs to            |
+// | primitive_index_offsets   | primitives           | where its corners start (see below)       |
+// | primitive_shading_groups  | primitives           | its polygon's shading group               |
+// | primitive_infos           | primitives           | the bits of PolyMeshPrimitiveInfo         |
+//
+// The corners of a direct primitive start in polygon_vertex_indices, those of a cut one in
+// triangle_indices.
 struct PolyMeshTopology {
     // How uv values are kept; applies to maps assigned later.
     enum CompressionMode {
