@@ -69,6 +69,11 @@ void GeometryObject::compute_primitive_bbox_at(CtxEval const& ctx, unsigned int 
     bbox = get_transformed_box(bbox, space);
 }
 
+void GeometryObject::compute_primitive_bbox_at(CtxEval const& ctx, unsigned int const& primitive,
+                                               double const&, GMathBbox3<double>& bbox) const {
+    compute_primitive_bbox(ctx, primitive, bbox);
+}
+
 void GeometryObject::compute_primitive_space(CtxEval const&, unsigned int const&,
                                              GMathLinearSpace3<double>& space) const {
     space = GMathLinearSpace3<double>::get_identity();

@@ -50,8 +50,8 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     virtual unsigned int get_primitive_count() const = 0;
     virtual unsigned int get_primitive_edge_count(unsigned int const& primitive) const = 0;
 
-    // Bounds of a primitive at rest, and at a time; in a linear space, the box of the eight corners
-    // of the plain bounds after `space` (default).
+    // Bounds of a primitive at rest, and at a time (default: at rest); in a linear space, the box of
+    // the eight corners of the plain bounds after `space` (default).
     virtual void compute_primitive_bbox(CtxEval const& ctx, unsigned int const& primitive,
                                         GMathLinearSpace3<double> const& space,
                                         GMathBbox3<double>& bbox) const;
@@ -62,7 +62,7 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
                                            GMathLinearSpace3<double> const& space,
                                            GMathBbox3<double>& bbox) const;
     virtual void compute_primitive_bbox_at(CtxEval const& ctx, unsigned int const& primitive,
-                                           double const& time, GMathBbox3<double>& bbox) const = 0;
+                                           double const& time, GMathBbox3<double>& bbox) const;
     // A space that bounds the primitive tightly. Default: the identity.
     virtual void compute_primitive_space(CtxEval const& ctx, unsigned int const& primitive,
                                          GMathLinearSpace3<double>& space) const;
