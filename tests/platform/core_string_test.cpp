@@ -1,0 +1,77 @@
+#include <platform/qz_core.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <locale>
+#include <string>
+
+namespace {
+
+template <typename T>
+std::string text_of(T const& value) {
+    return std::string(CoreString().append(value).get_view());
+}
+
+struct CommaForPoint : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+}  // namespace
+
+TEST(CoreString, WritesNumbersInTheirShortestForm) {
+    struct Row {
+        std::string text;
+        char const* expected;
+    };
+    std::locale const old = std::locale::global(std::locale(std::locale(), new CommaForPoint));
+    Row const rows[] = {
+        {text_of(30.0f), "30"},
+        {text_of(0.1f), "0.1"},
+        {text_of(0.1), "0.1"},
+        {text_of(static_cast<double>(0.1f)), "0.10000000149011612"},
+        {text_of(1.0f / 3.0f), "0.33333334"},
+        {text_of(3.4028235e38f), "3.4028235e+38"},
+        {text_of(1e-45f), "1e-45"},
+        {text_of(-0.0f), "-0"},
+        {text_of(16777217.0), "16777217"},
+        {text_of(std::numeric_limits<float>::infinity()), "inf"},
+        {text_of(-std::numeric_limits<double>::infinity()), "-inf"},
+        {text_of(std::nanf("")), "nan"},
+        {text_of(-std::nan("")), "nan"},
+        {text_of(std::numeric_limits<long long>::min()), "-9223372036854775808"},
+        {text_of(std::numeric_limits<unsigned long long>::max()), "18446744073709551615"},
+        {text_of(4294967295u), "4294967295"},
+        {text_of('x'), "x"},
+        {text_of(static_cast<char const*>(nullptr)), ""},
+    };
+    std::locale::global(old);
+    for (Row const& row : rows) {
+        EXPECT_EQ(row.text, row.expected);
+    }
+}
+
+TEST(CoreString, AppendsItsOwnBytesAndKeepsNuls) {
+    CoreString string("ab\0c", 4);
+    EXPECT_EQ(string.get_allocated_size(), 5u);
+    for (int i = 0; i < 3; ++i) {
+        string.append(string);
+    }
+    EXPECT_EQ(string.get_length(), 32u);
+    EXPECT_EQ(string.get_view().substr(28), std::string_view("ab\0c", 4));
+    string.append(string.get_data()[3]).append(string.get_view().substr(1, 3));
+    EXPECT_EQ(string.get_view().substr(32), std::string_view("cb\0c", 4));
+    EXPECT_EQ(string.get_data()[36], '\0');
+
+    CoreString copy(string);
+    EXPECT_EQ(copy.get_allocated_size(), 37u);
+    CoreString const& same = copy;
+    copy = same;
+    EXPECT_EQ(copy, string);
+    copy.clear();
+    EXPECT_EQ(copy.get_allocated_size(), 0u);
+    EXPECT_STREQ(copy.get_data(), "");
+    EXPECT_LT(CoreString("a"), CoreString("\xC3"));  // bytes are unsigned
+}

@@ -1,0 +1,51 @@
+#include <platform/qz_sys.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+TEST(SysFile, WritesAndReadsBack) {
+    std::string const name = testing::TempDir() + "qz_sys_\xC3\xA4.bin";
+    CoreString const path(name.c_str());
+    std::string const bytes(100000, 'q');
+    SysFile file;
+    EXPECT_FALSE(file.write("x", 1));
+    ASSERT_TRUE(file.open(path, SysFile::MODE_WRITE));
+    EXPECT_FALSE(file.has_failed());
+    EXPECT_TRUE(file.write(bytes.data(), bytes.size()));
+    EXPECT_TRUE(file.close());
+    EXPECT_TRUE(file.close());
+    EXPECT_TRUE(SysFilesystem::file_exists(path));
+
+    ASSERT_TRUE(file.open(path, SysFile::MODE_READ));
+    EXPECT_EQ(file.get_size(), bytes.size());
+    std::string read(2 * bytes.size(), '\0');
+    EXPECT_EQ(file.read(read.data(), read.size()), bytes.size());
+    EXPECT_FALSE(file.has_failed());
+    EXPECT_EQ(read.substr(0, bytes.size()), bytes);
+    file.close();
+    std::filesystem::remove(name);
+}
+
+TEST(SysFile, RefusesWhatIsNoFile) {
+    struct Row {
+        CoreString path;
+        bool exists;
+    };
+    Row const rows[] = {
+        {testing::TempDir().c_str(), true},
+        {"/no/such/folder/file", false},
+        {"", false},
+        {CoreString("/\0x", 3), false},
+    };
+    for (Row const& row : rows) {
+        SysFile file;
+        for (SysFile::Mode const mode : {SysFile::MODE_READ, SysFile::MODE_WRITE}) {
+            EXPECT_FALSE(file.open(row.path, mode)) << row.path.get_data();
+            EXPECT_FALSE(file.is_open());
+            EXPECT_TRUE(file.has_failed());
+        }
+        EXPECT_EQ(SysFilesystem::file_exists(row.path), row.exists) << row.path.get_data();
+    }
+}
