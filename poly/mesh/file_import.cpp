@@ -60,10 +60,8 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
     if (load_progress) {
         load_progress->finish();
     }
-    if (is_loaded && !is_buildable(file.vertex_count)) {
-        log_too_large("PolyMesh.import_from_file");
-        is_loaded = false;
-    }
+    is_loaded = is_loaded && is_buildable("PolyMesh.import_from_file", file.get_polygons(),
+                                          file.positions.get_count());
     if (is_loaded && build_progress) {
         build_progress->start();
     }

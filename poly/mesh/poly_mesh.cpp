@@ -6,8 +6,6 @@
 #include <poly/mesh/progress_task.h>
 #include <poly/mesh/vertex_normals.h>
 
-#include <cassert>
-
 PolyMesh::PolyMesh()
     : m_topology(new PolyMeshTopology),
       m_geometry(new PolyMeshGeometry),
@@ -82,8 +80,7 @@ void PolyMesh::set(CoreBasicArray<GMathVec3<float>> const& positions,
                    AppProgressBar* progress) {
     PolyMeshPolygons const polygons{polygon_vertex_indices, polygon_vertex_count,
                                     polygon_shading_groups};
-    if (!is_buildable(polygon_vertex_count)) {
-        log_too_large("PolyMesh.set");
+    if (!is_buildable("PolyMesh.set", polygons, positions.get_count())) {
         set({}, {}, {}, {}, {}, {}, {}, {}, {}, false, nullptr);
         return;
     }
@@ -121,15 +118,17 @@ void PolyMesh::install(CoreBasicArray<GMathVec3<float>> const& positions,
                        CoreBasicArray<GeometryUvMap> const& uv_maps,
                        CoreBasicArray<GeometryColorMap> const& color_maps) {
     own_new_records();
-    bool const has_velocities = velocities.get_count() == positions.get_count();
-    m_point_cloud.init(positions.get_count(), positions.get_data(), nullptr,
+    // The positions may be those of our own point cloud, and end with its old arrays.
+    unsigned int const vertex_count = positions.get_count();
+    bool const has_velocities = velocities.get_count() == vertex_count;
+    m_point_cloud.init(vertex_count, positions.get_data(), nullptr,
                        has_velocities ? velocities.get_data() : nullptr);
     m_topology->polygon_vertex_indices.copy_from(polygons.vertex_indices);
     m_topology->polygon_vertex_count.copy_from(polygons.vertex_count);
     m_topology->polygon_shading_groups.copy_from(polygons.shading_groups);
     m_topology->shading_group_names.copy_from(shading_group_names);
-    assign_uv_maps(uv_maps, positions.get_count());
-    assign_color_maps(color_maps, positions.get_count());
+    assign_uv_maps(uv_maps, vertex_count);
+    assign_color_maps(color_maps, vertex_count);
 }
 
 void PolyMesh::rebuild(PolyMeshPolygons const& polygons, bool const& check_quads,

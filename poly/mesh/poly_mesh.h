@@ -44,7 +44,8 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
 
     // Filling
 
-    // Replaces everything but the creases and the compression mode. Arrays are copied.
+    // Replaces everything but the creases and the compression mode of a topology that is the mesh's
+    // own. Arrays are copied.
     // - positions: one per vertex; may hold NaN and infinities, which bounds leave out;
     // - velocities: one per vertex, or they are ignored; either way they enter the key;
     // - polygon_vertex_indices: of all corners, polygon after polygon, each below the vertex count;
@@ -54,8 +55,9 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     // - maps: kept when they have a value per vertex, or values and an index per corner;
     // - check_quads: cut 4-gons that are not convex, instead of keeping every 4-gon as a quad;
     // - progress: may be null.
-    // Polygons of fewer than 3 corners give no primitive. Polygons that would be cut into more than
-    // 2^32 - 2 corners of triangles are refused at level 2, and the mesh is left empty.
+    // Polygons of fewer than 3 corners give no primitive. Refused at level 2, with the mesh left
+    // empty: polygons that name vertices, corners or groups that are not there, and those that
+    // would be cut into more than 2^32 - 2 corners of triangles.
     void set(CoreBasicArray<GMathVec3<float>> const& positions,
              CoreBasicArray<GMathVec3<float>> const& velocities,
              CoreBasicArray<unsigned int> const& polygon_vertex_indices,

@@ -178,23 +178,41 @@ class PrimitiveBuilder {
     unsigned int m_degenerate_count = 0;
 };
 
+void log_refusal(char const* operation, char const* reason) {
+    CoreLogHandler& log = CoreLogHandler::get_main();
+    if (log.is_admitted(2)) {
+        log.log(2, CoreLogStream() << operation << ": " << reason << "\n");
+    }
+}
+
 }  // namespace
 
-bool is_buildable(CoreBasicArray<unsigned int> const& polygon_vertex_count) {
+bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
+                  unsigned int const& vertex_count) {
     unsigned long long corner_count = 0;
-    for (unsigned int const n : polygon_vertex_count) {
-        corner_count += 3ull * (n > 2 ? n - 2 : 0);
+    unsigned long long cut_corner_count = 0;
+    for (unsigned int const n : polygons.vertex_count) {
+        corner_count += n;
+        cut_corner_count += 3ull * (n > 2 ? n - 2 : 0);
     }
-    return corner_count <= 0xFFFFFFFEull;
+    bool is_there = true;
+    for (unsigned int const vertex : polygons.vertex_indices) {
+        is_there &= vertex < vertex_count;
+    }
+    if (!is_there || corner_count > polygons.vertex_indices.get_count() ||
+        polygons.shading_groups.get_count() < polygons.vertex_count.get_count()) {
+        log_refusal(operation, "The polygons name vertices, corners or groups that are not there.");
+        return false;
+    }
+    if (cut_corner_count > 0xFFFFFFFEull) {
+        log_too_large(operation);
+        return false;
+    }
+    return true;
 }
 
 void log_too_large(char const* operation) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(2)) {
-        CoreLogStream stream;
-        stream << operation << ": The polygons have too many corners.\n";
-        log.log(2, stream);
-    }
+    log_refusal(operation, "The polygons have too many corners.");
 }
 
 unsigned int build_primitives(PolyMeshPolygons const& polygons,

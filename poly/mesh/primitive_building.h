@@ -3,10 +3,12 @@
 #include <platform/qz_app_base.h>
 #include <poly/mesh/poly_mesh_records.h>
 
-// Whether polygons of these corner counts can be built: all cut into triangles, their corners must
-// number at most 2^32 - 2.
-bool is_buildable(CoreBasicArray<unsigned int> const& polygon_vertex_count);
-// Says at level 2 that they cannot. `operation` is the class and operation joined by a point.
+// Whether polygons can be built over `vertex_count` vertices: their corners, vertices and groups
+// are there, and all cut into triangles, their corners number at most 2^32 - 2. If not, that is
+// said at level 2. `operation` is the class and operation joined by a point.
+bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
+                  unsigned int const& vertex_count);
+// Says at level 2 that polygons would have too many corners.
 void log_too_large(char const* operation);
 
 // Fills the primitive arrays and counters of `topology`. Triangles stay whole. So do 4-gons; with
