@@ -27,7 +27,7 @@ struct SurfaceTriangle {
 };
 
 // A triangle that is a primitive of its own; the first half of a quad; the second half.
-constexpr SurfaceTriangle surface_triangles[3] = {
+inline constexpr SurfaceTriangle surface_triangles[3] = {
     {{0, 1, 2}, 0, 0},
     {{0, 1, 2}, 0, 1},
     {{0, 2, 3}, 2, 0},

@@ -18,10 +18,10 @@
 
 // A blend towards the next sample of at most this much counts as none, and one within this of 1 as
 // whole: the other sample is then not read.
-constexpr float blend_epsilon = 0.0001f;
+inline constexpr float blend_epsilon = 0.0001f;
 
 // Times and time steps of at most this absolute value count as zero.
-constexpr double time_epsilon = 1e-8;
+inline constexpr double time_epsilon = 1e-8;
 
 // The shutter of the evaluation's render: one sample at time 0 when it has no shader context.
 GMathTimeSampling const& get_shutter_sampling(CtxEval const& ctx);
