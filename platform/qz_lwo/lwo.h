@@ -32,11 +32,11 @@ class QZ_LWO_EXPORT Lwo {
     //
     // False leaves all outputs untouched and logs one message at level 2 that tells the file, the
     // place and the reason. What is odd but harmless is logged at level 4, once a kind. `progress`
-    // may be null; a stop requested there ends the load within 100 ms with its own message, as far
-    // as the file system answers in that time.
+    // may be null; a stop requested there ends the load within 100 ms with its own message, not
+    // counting the time that one read of the file and the release of memory take.
     //
     // Memory: the outputs, the file, and for hostile files up to 12 times the file's size. Maps
-    // whose corner lists take more than 64 MiB plus 16 times the file's size are refused.
+    // whose lists of corners take more than 64 MiB plus 16 times the file's size are refused.
     static bool load(CoreString const& path, CoreString const& item_name,
                      CoreArray<GMathVec3<float>>& positions,
                      CoreArray<unsigned int>& polygon_vertex_indices,

@@ -1,20 +1,24 @@
 #pragma once
 
+#include <platform/qz_lwo.h>
 #include <platform/qz_lwo/lwo_object.h>
+#include <tests/log_capture.h>
 
 #include <bit>
 #include <cstdio>
 #include <cstring>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
 // Objects built byte by byte, and loaded ones as one line of text.
+namespace lwo_building {
 
 using Bytes = std::string;
+using Numbers = std::vector<unsigned int>;
+using Floats = std::vector<float>;
 
-inline Bytes number(unsigned int const& value, unsigned int const& size) {
+inline Bytes big_endian(unsigned int const& value, unsigned int const& size) {
     Bytes bytes;
     for (unsigned int i = size; i-- > 0;) {
         bytes += static_cast<char>(value >> (8 * i));
@@ -22,88 +26,96 @@ inline Bytes number(unsigned int const& value, unsigned int const& size) {
     return bytes;
 }
 
-inline Bytes u2(std::initializer_list<unsigned int> const& values) {
+inline Bytes u2(Numbers const& values) {
     Bytes bytes;
     for (unsigned int const& value : values) {
-        bytes += number(value, 2);
+        bytes += big_endian(value, 2);
     }
     return bytes;
 }
 
-inline Bytes floats(std::initializer_list<float> const& values) {
+inline Bytes f4(Floats const& values) {
     Bytes bytes;
     for (float const& value : values) {
-        bytes += number(std::bit_cast<unsigned int>(value), 4);
+        bytes += big_endian(std::bit_cast<unsigned int>(value), 4);
     }
     return bytes;
 }
 
-inline Bytes text(Bytes const& value) { return value + Bytes(value.size() % 2 == 0 ? 2 : 1, '\0'); }
+inline Bytes s0(Bytes const& text) { return text + Bytes(text.size() % 2 == 0 ? 2 : 1, '\0'); }
 
 inline Bytes chunk(Bytes const& id, Bytes const& data) {
-    return id + number(static_cast<unsigned int>(data.size()), 4) + data +
-           Bytes(data.size() % 2, '\0');
+    Bytes const size = big_endian(static_cast<unsigned int>(data.size()), 4);
+    return id + size + data + Bytes(data.size() % 2, '\0');
 }
 
 inline Bytes form(Bytes const& type, Bytes const& chunks) {
-    return "FORM" + number(static_cast<unsigned int>(chunks.size()) + 4, 4) + type + chunks;
+    return "FORM" + big_endian(static_cast<unsigned int>(chunks.size()) + 4, 4) + type + chunks;
 }
 
-inline Bytes layer(Bytes const& name) { return chunk("LAYR", Bytes(16, '\0') + text(name)); }
-inline Bytes map_head(Bytes const& type, unsigned int const& dimension, Bytes const& name) {
-    return type + u2({dimension}) + text(name);
+// A square in the plane z = 0, clockwise as seen from -z, then more chunks of a form LWO2.
+inline Bytes const square = chunk("PNTS", f4({0, 0, 0, 0, 1, 0, 1, 1, 0, 1, 0, 0}));
+inline Bytes object(Bytes const& chunks) { return form("LWO2", square + chunks); }
+
+inline Bytes layer(Bytes const& name) { return chunk("LAYR", Bytes(16, '\0') + s0(name)); }
+inline Bytes faces(Numbers const& numbers) { return chunk("POLS", "FACE" + u2(numbers)); }
+inline Bytes tags(Numbers const& numbers) { return chunk("PTAG", "SURF" + u2(numbers)); }
+inline Bytes uv_head(Bytes const& name) { return "TXUV" + u2({2}) + s0(name); }
+// One value of map "U": of a point, or of a point in a polygon.
+inline Bytes uv(Numbers const& place, Floats const& value) {
+    return chunk(place.size() == 1 ? "VMAP" : "VMAD", uv_head("U") + u2(place) + f4(value));
+}
+inline Bytes normal(Numbers const& place, Floats const& value) {
+    Bytes const head = "NORM" + u2({3}) + s0("N");
+    return chunk(place.size() == 1 ? "VMAP" : "VMAD", head + u2(place) + f4(value));
 }
 
 struct Loaded {
     bool is_good = false;
     LwoMesh mesh;
-    std::vector<std::string> refusals;
-    std::vector<std::string> warnings;
-};
-
-// Collects what is logged on levels 2 and 4 for as long as it lives.
-class LogCatcher {
-  public:
-    explicit LogCatcher(Loaded& loaded) {
-        CoreLogHandler::get_main().set_level(4);
-        CoreLogHandler::get_main().set_sink(
-            [](void* user, unsigned int const& level, CoreString const& message) {
-                Loaded& to = *static_cast<Loaded*>(user);
-                (level == 2 ? to.refusals : to.warnings).emplace_back(message.get_data());
-            },
-            &loaded);
-    }
-    ~LogCatcher() {
-        CoreLogHandler::get_main().set_level(3);
-        CoreLogHandler::get_main().set_sink(nullptr, nullptr);
-    }
+    std::string log;  // levels and messages up to level 4
 };
 
 // From a block of exactly the size of `bytes`, so that a sanitizer sees one byte too far.
 inline Loaded load(Bytes const& bytes, char const* item_name = "") {
     Loaded loaded;
-    LogCatcher const catcher(loaded);
+    LogCapture capture(4);
     std::unique_ptr<unsigned char[]> const block(new unsigned char[bytes.size()]);
     std::memcpy(block.get(), bytes.data(), bytes.size());
     loaded.is_good = lwo_load_from_memory(block.get(), bytes.size(), "test.lwo", item_name,
                                           loaded.mesh, nullptr);
+    loaded.log = capture.take();
+    return loaded;
+}
+
+inline void load_file(std::string const& path, AppProgressBar* bar, Loaded& loaded) {
+    LogCapture capture(4);
+    LwoMesh& to = loaded.mesh;
+    loaded.is_good = Lwo::load(path.c_str(), "", to.positions, to.corners, to.polygon_counts,
+                               to.polygon_groups, to.group_names, to.uv_maps, to.normal_maps, bar);
+    loaded.log = capture.take();
+}
+
+inline Loaded load_file(std::string const& path) {
+    Loaded loaded;
+    load_file(path, nullptr, loaded);
     return loaded;
 }
 
 template <typename Map>
 std::string describe_map(Map const& map, char const* kind) {
     bool const is_by_point = map.indices.is_empty();
-    std::string line = std::string(" ") + kind + map.name.get_data() + (is_by_point ? "*" : "");
+    std::string line = std::string(kind).append(map.name.get_view()) + (is_by_point ? "*" : "");
     unsigned int const count = is_by_point ? map.values.get_count() : map.indices.get_count();
     for (unsigned int i = 0; i < count; ++i) {
         unsigned int const value = is_by_point ? i : map.indices[i];
-        char number_text[64] = " -";
+        char text[64] = " -";
         if (value != CoreIndexArray::absent) {
             GMathVec3<float> const& v = map.values[value];
-            std::snprintf(number_text, sizeof number_text, *kind == 'u' ? " %g,%g" : " %g,%g,%g",
-                          double(v.x), double(v.y), double(v.z));
+            char const* const format = kind[1] == 'u' ? " %g,%g" : " %g,%g,%g";
+            std::snprintf(text, sizeof text, format, double(v.x), double(v.y), double(v.z));
         }
-        line += number_text;
+        line += text;
     }
     return line;
 }
@@ -117,13 +129,15 @@ inline std::string describe(LwoMesh const& mesh) {
         for (unsigned int j = 0; j < mesh.polygon_counts[i]; ++j) {
             line.append(" ").append(std::to_string(mesh.corners[corner++]));
         }
-        line.append(" ").append(mesh.group_names[mesh.polygon_groups[i]].get_data()).append(";");
+        line.append(" ").append(mesh.group_names[mesh.polygon_groups[i]].get_view()).append(";");
     }
     for (GeometryUvMap const& map : mesh.uv_maps) {
-        line += describe_map(map, "uv:");
+        line += describe_map(map, " uv:");
     }
     for (GeometryNormalMap const& map : mesh.normal_maps) {
-        line += describe_map(map, "normal:");
+        line += describe_map(map, " normal:");
     }
     return line;
 }
+
+}  // namespace lwo_building

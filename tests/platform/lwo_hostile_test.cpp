@@ -2,81 +2,73 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <numeric>
 #include <random>
 
 namespace {
 
-Bytes const four_points = chunk("PNTS", floats({0, 0, 0, 0, 1, 0, 1, 1, 0, 1, 0, 0}));
-Bytes const values = u2({0}) + floats({0, 0}) + u2({1}) + floats({0, 1});
+using namespace lwo_building;
 
 Bytes const objects[] = {
-    form("LWO2", chunk("TAGS", text("Sky") + text("Blue")) + layer("L1") + four_points +
-                     chunk("VMAP", map_head("TXUV", 2, "U") + values) +
-                     chunk("POLS", "FACE" + u2({4, 0, 1, 2, 3, 3, 0, 1, 2})) +
-                     chunk("PTAG", "SURF" + u2({0, 0, 1, 1})) +
-                     chunk("VMAD", map_head("TXUV", 2, "U") + u2({1, 0}) + floats({0.5, 1})) +
-                     chunk("VMAP", map_head("NORM", 3, "N") + u2({0xFF00, 2}) + floats({0, 0, 1}))),
-    form("LWOB", chunk("SRFS", text("Sky") + text("Ink")) + four_points +
+    object(layer("L") + square + chunk("TAGS", s0("Sky") + s0("Blue")) + uv({0}, {0, 1}) +
+           uv({2}, {1, 1}) + faces({4, 0, 1, 2, 3, 3, 0, 1, 2}) + tags({0, 0, 1, 1}) +
+           uv({1, 0}, {0.5, 1}) + normal({0xFF00, 2, 0}, {0, 0, 1})),
+    form("LWOB", chunk("SRFS", s0("Sky") + s0("Ink")) + square +
                      chunk("POLS", u2({4, 0, 1, 2, 3, 0xFFFF, 1, 3, 0, 1, 2, 2}))),
 };
 
-void expect_one_refusal(Loaded const& loaded, std::string const& what) {
-    EXPECT_EQ(loaded.refusals.size(), 1u) << what;
-    EXPECT_EQ(loaded.warnings.size(), 0u) << what;
+bool is_one_refusal(std::string const& log) {
+    return log.starts_with("2 Lwo.load: ") && std::count(log.begin(), log.end(), '\n') == 1;
+}
+
+// All entries are below `limit`, or mark that there is none.
+bool are_below(CoreArray<unsigned int> const& values, unsigned int const& limit) {
+    return std::all_of(values.begin(), values.end(), [&](unsigned int const& value) {
+        return value < limit || value == CoreIndexArray::absent;
+    });
 }
 
 template <typename Map>
-void expect_sound_maps(CoreArray<Map> const& maps, LwoMesh const& mesh, std::string const& what) {
-    for (Map const& map : maps) {
-        unsigned int const value_count = map.values.get_count();
-        EXPECT_EQ(map.indices.is_empty() ? mesh.positions.get_count() : value_count, value_count);
-        EXPECT_TRUE(map.indices.is_empty() || map.indices.get_count() == mesh.corners.get_count());
-        for (unsigned int const& index : map.indices) {
-            EXPECT_TRUE(index < value_count || index == CoreIndexArray::absent) << what;
-        }
-    }
+bool are_sound(CoreArray<Map> const& maps, LwoMesh const& mesh) {
+    return std::all_of(maps.begin(), maps.end(), [&](Map const& map) {
+        unsigned int const count = map.values.get_count();
+        return map.indices.is_empty() ? count == mesh.positions.get_count()
+                                      : map.indices.get_count() == mesh.corners.get_count() &&
+                                            are_below(map.indices, count);
+    });
 }
 
-void expect_sound(LwoMesh const& mesh, std::string const& what) {
-    unsigned int corner_count = 0;
-    for (unsigned int const& count : mesh.polygon_counts) {
-        EXPECT_GE(count, 3u) << what;
-        corner_count += count;
-    }
-    EXPECT_EQ(corner_count, mesh.corners.get_count()) << what;
-    for (unsigned int const& corner : mesh.corners) {
-        EXPECT_LT(corner, mesh.positions.get_count()) << what;
-    }
-    EXPECT_EQ(mesh.polygon_groups.get_count(), mesh.polygon_counts.get_count()) << what;
-    for (unsigned int const& group : mesh.polygon_groups) {
-        EXPECT_LT(group, mesh.group_names.get_count()) << what;
-    }
-    expect_sound_maps(mesh.uv_maps, mesh, what);
-    expect_sound_maps(mesh.normal_maps, mesh, what);
+bool is_sound(LwoMesh const& mesh) {
+    CoreArray<unsigned int> const& counts = mesh.polygon_counts;
+    return std::accumulate(counts.begin(), counts.end(), 0u) == mesh.corners.get_count() &&
+           are_below(mesh.corners, mesh.positions.get_count()) &&
+           mesh.polygon_groups.get_count() == counts.get_count() &&
+           are_below(mesh.polygon_groups, mesh.group_names.get_count()) &&
+           are_sound(mesh.uv_maps, mesh) && are_sound(mesh.normal_maps, mesh);
 }
 
 TEST(LwoHostile, RefusesEveryTruncation) {
-    for (Bytes const& object : objects) {
-        ASSERT_TRUE(load(object).is_good);
-        for (std::size_t size = 0; size < object.size(); ++size) {
-            Loaded const loaded = load(object.substr(0, size));
-            EXPECT_FALSE(loaded.is_good) << size;
-            expect_one_refusal(loaded, std::to_string(size));
-            // The same cut inside a form that claims no more than there is.
+    for (Bytes const& whole : objects) {
+        EXPECT_TRUE(load(whole).is_good);
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            Bytes cut = whole.substr(0, size);
+            Loaded const loaded = load(cut);
+            EXPECT_TRUE(!loaded.is_good && is_one_refusal(loaded.log)) << size << loaded.log;
+            // The same in a form that claims no more than there is.
             if (size >= 12) {
-                Bytes cut = object.substr(0, size);
-                cut.replace(4, 4, number(static_cast<unsigned int>(size) - 8, 4));
-                Loaded const whole = load(cut);
-                EXPECT_EQ(whole.refusals.size(), whole.is_good ? 0u : 1u) << size;
+                cut.replace(4, 4, big_endian(static_cast<unsigned int>(size) - 8, 4));
+                Loaded const fitting = load(cut);
+                EXPECT_TRUE(fitting.is_good || is_one_refusal(fitting.log)) << size << fitting.log;
             }
         }
     }
 }
 
 TEST(LwoHostile, SurvivesCorruption) {
-    unsigned int accepted = 0;
-    unsigned int refused = 0;
-    for (unsigned int seed = 0; seed < 6000; ++seed) {
+    unsigned int good_count = 0;
+    unsigned int const seed_count = 6000;
+    for (unsigned int seed = 0; seed < seed_count; ++seed) {
         std::mt19937 random(seed);
         Bytes bytes = objects[seed % 2];
         for (unsigned int i = 0; i <= seed % 3; ++i) {
@@ -84,17 +76,11 @@ TEST(LwoHostile, SurvivesCorruption) {
             bytes[place] = static_cast<char>(random() % 4 == 0 ? random() : random() % 5);
         }
         Loaded const loaded = load(bytes);
-        std::string const what = "seed " + std::to_string(seed);
-        if (loaded.is_good) {
-            ++accepted;
-            expect_sound(loaded.mesh, what);
-        } else {
-            ++refused;
-            expect_one_refusal(loaded, what);
-        }
+        good_count += loaded.is_good ? 1 : 0;
+        EXPECT_TRUE(loaded.is_good ? is_sound(loaded.mesh) : is_one_refusal(loaded.log)) << seed;
     }
-    EXPECT_GT(accepted, 1000u);
-    EXPECT_GT(refused, 1000u);
+    EXPECT_GT(good_count, seed_count / 6);
+    EXPECT_LT(good_count, seed_count - seed_count / 6);
 }
 
 }  // namespace
