@@ -2,6 +2,7 @@
 
 #include <poly/mesh/poly_mesh.h>
 
+#include <random>
 #include <vector>
 
 // Small meshes by name.
@@ -14,7 +15,7 @@ CoreBasicArray<T> view(std::vector<T> const& values) {
 using Points = std::vector<GMathVec3<float>>;
 using Numbers = std::vector<unsigned int>;
 
-// Polygons in shading group 0, "all".
+// Polygons in shading group 0, "all", unless said otherwise.
 struct Shape {
     Points positions;
     Numbers vertex_count;
@@ -22,14 +23,27 @@ struct Shape {
     Points velocities = {};
     std::vector<GeometryUvMap> uv_maps = {};
     std::vector<GeometryColorMap> color_maps = {};
+    std::vector<GeometryNormalMap> normal_maps = {};
+    Numbers groups = {};
+    std::vector<CoreString> names = {"all"};
+    bool check_quads = true;
 
-    void set(PolyMesh& mesh) const {
-        Numbers const groups(vertex_count.size(), 0);
-        std::vector<CoreString> const names{"all"};
+    void set(PolyMesh& mesh, AppProgressBar* progress = nullptr) const {
+        Numbers const zeros(vertex_count.size(), 0);
         mesh.set(view(positions), view(velocities), view(vertex_indices), view(vertex_count),
-                 view(groups), view(names), view(uv_maps), {}, view(color_maps), true, nullptr);
+                 view(groups.empty() ? zeros : groups), view(names), view(uv_maps),
+                 view(normal_maps), view(color_maps), check_quads, progress);
     }
 };
+
+template <typename Map, typename Values>
+Map make_map(char const* name, Values const& values, Numbers const& indices = {}) {
+    Map map;
+    map.name = name;
+    map.values.copy_from(view(values));
+    map.indices.copy_from(view(indices));
+    return map;
+}
 
 inline Shape make_triangle() { return {{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {3}, {0, 1, 2}}; }
 
@@ -49,4 +63,36 @@ inline Shape make_row() {
         {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {2, 0, 0}, {2, 1, 0}, {3, 0, 0}, {4, 1, 0}, {3, 2, 0}},
         {3, 4, 5},
         {0, 1, 2, 1, 3, 4, 2, 3, 5, 6, 7, 4}};
+}
+
+// Polygons of 0 to 9 corners over few vertices, in four groups of which three have names: concave,
+// folded, crossing themselves, and with corners that coincide. With one map of each kind, by
+// corner, some of whose indices name no value.
+inline Shape make_soup(unsigned int const& seed) {
+    std::mt19937 random(seed);
+    auto const get_number = [&random](unsigned int const& end) {
+        return static_cast<unsigned int>(random() % end);
+    };
+    auto const get_value = [&] { return static_cast<float>(get_number(9)) / 4.0f - 1.0f; };
+    Shape shape;
+    shape.names = {"a", "b", "c"};
+    shape.check_quads = seed % 2 == 0;
+    for (unsigned int i = 0; i < 12; ++i) {
+        shape.positions.push_back({get_value(), get_value(), i % 3 == 0 ? get_value() : 0.0f});
+        shape.velocities.push_back({get_value(), get_value(), get_value()});
+    }
+    Numbers indices;
+    for (unsigned int i = 0; i < 20; ++i) {
+        shape.groups.push_back(get_number(4));
+        shape.vertex_count.push_back(get_number(10));
+        for (unsigned int k = 0; k < shape.vertex_count[i]; ++k) {
+            shape.vertex_indices.push_back(get_number(12));
+            indices.push_back(get_number(20) == 0 ? 0xFFFFFFFF : get_number(14));
+        }
+    }
+    shape.uv_maps = {make_map<GeometryUvMap>("uv", shape.velocities, indices)};
+    shape.normal_maps = {make_map<GeometryNormalMap>("normal", shape.velocities, indices)};
+    shape.color_maps = {make_map<GeometryColorMap>(
+        "color", std::vector<GMathVec4<unsigned char>>(12, {1, 2, 3, 4}), indices)};
+    return shape;
 }
