@@ -10,5 +10,6 @@
 #include <platform/qz_geometry/geometry_object.h>
 #include <platform/qz_geometry/geometry_point_cloud.h>
 #include <platform/qz_geometry/geometry_position_array.h>
+#include <platform/qz_geometry/geometry_property.h>
 #include <platform/qz_geometry/geometry_raytrace_ctx.h>
 #include <platform/qz_geometry/geometry_sample.h>

@@ -1,5 +1,7 @@
 #include <platform/qz_geometry/geometry_object.h>
 
+#include <platform/qz_geometry/geometry_property.h>
+
 namespace {
 
 CoreString const no_name;
@@ -22,9 +24,16 @@ GMathBbox3<double> get_transformed_box(GMathBbox3<double> const& bbox,
 }  // namespace
 
 GeometryObject::GeometryObject() = default;
-GeometryObject::GeometryObject(GeometryObject const& other) = default;
+GeometryObject::GeometryObject(GeometryObject const& other) : ResourceData(other) {}
 GeometryObject::~GeometryObject() = default;
-GeometryObject& GeometryObject::operator=(GeometryObject const& other) = default;
+
+GeometryObject& GeometryObject::operator=(GeometryObject const& other) {
+    if (this != &other) {
+        ResourceData::operator=(other);
+        clear_properties();
+    }
+    return *this;
+}
 
 CoreClassInfo const& GeometryObject::class_info() {
     static CoreClassInfo const& info = CoreClassInfo::new_class(
@@ -175,4 +184,19 @@ double GeometryObject::get_primitive_intersection_cost(unsigned int const&) cons
 void GeometryObject::intersect_primitive(CtxEval const&, unsigned int const&,
                                          GeometryFrustumCtx& frustum_ctx) const {
     frustum_ctx.is_rejected = true;
+}
+
+void GeometryObject::add_property(GeometryProperty const& property) {
+    m_properties.append(&property);
+}
+
+void GeometryObject::clear_properties() { m_properties.clear(); }
+
+GeometryProperty const* GeometryObject::find_property(CoreString const& name) const {
+    for (GeometryProperty const* const property : m_properties) {
+        if (property->get_name() == name) {
+            return property;
+        }
+    }
+    return nullptr;
 }

@@ -12,6 +12,8 @@
 #include <platform/qz_gmath.h>
 #include <platform/qz_resource.h>
 
+class GeometryProperty;
+
 // A geometry made of primitives (triangles, quads, ...), as a renderer sees it: it bounds the
 // primitives, intersects them with rays and frustums, and samples them where they were hit.
 //
@@ -133,8 +135,23 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     virtual void intersect_primitive(CtxEval const& ctx, unsigned int const& primitive,
                                      GeometryRaytraceCtx& raytrace_ctx) const = 0;
 
+    // The properties of this geometry, in the order of their adding. They are not owned, and must
+    // live as long as they are listed. Copies list none, and an assignment empties the list.
+    void add_property(GeometryProperty const& property);
+    void clear_properties();
+    unsigned int const& get_property_count() const { return m_properties.get_count(); }
+    // `index` must be below the count.
+    GeometryProperty const& get_property(unsigned int const& index) const {
+        return *m_properties[index];
+    }
+    // The first of that name, or null.
+    GeometryProperty const* find_property(CoreString const& name) const;
+
   protected:
     GeometryObject();
     GeometryObject(GeometryObject const& other);
     GeometryObject& operator=(GeometryObject const& other);
+
+  private:
+    CoreArray<GeometryProperty const*> m_properties;
 };
