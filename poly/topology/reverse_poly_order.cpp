@@ -4,10 +4,11 @@
 
 void reverse_poly_order(unsigned int const* polygon_vertex_count, unsigned int const& polygon_count,
                         CoreArray<unsigned int>& polygon_vertex_indices) {
-    unsigned int* corner = polygon_vertex_indices.get_data();
-    for (unsigned int polygon = 0; polygon < polygon_count; ++polygon) {
-        std::reverse(corner, corner + polygon_vertex_count[polygon]);
-        corner += polygon_vertex_count[polygon];
+    unsigned int const last_polygon = polygon_count;
+    unsigned int* corners = polygon_vertex_indices.get_data();
+    for (unsigned int p = 0; p < last_polygon; ++p) {
+        std::reverse(corners, corners + polygon_vertex_count[p]);
+        corners += polygon_vertex_count[p];
     }
 }
 
