@@ -1,0 +1,171 @@
+#include <tests/mesh_invariants.h>
+#include <tests/shapes.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr unsigned int absent = 0xFFFFFFFFu;
+
+Numbers take(CoreIndexArray const& packed) {
+    CoreArray<unsigned int> values;
+    packed.get_array(values);
+    return {values.begin(), values.end()};
+}
+
+Numbers take(CoreArray<unsigned int> const& values) { return {values.begin(), values.end()}; }
+
+// Faces at a right angle, with the normals +z and +x, that share the edge between vertices 0 and 2.
+Shape make_fold() {
+    return {{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, {3, 3}, {0, 1, 2, 0, 2, 3}};
+}
+
+Points const fold_values{{0, 0, 2}, {3, 0, 0}, {1, 0, 1}, {0, 0, 0}, {0, -5, 0}};
+
+}  // namespace
+
+TEST(NormalMaps, StoreOnlyWhatOtherNormalsDoNotSay) {
+    struct Row {
+        char const* name;
+        Shape shape;
+        Points values;
+        Numbers indices;
+        Numbers expected;
+        unsigned int extra_count;
+    };
+    Shape with_edge = make_fold();
+    with_edge.vertex_count = {3, 2, 3};
+    with_edge.vertex_indices = {0, 1, 2, 0, 1, 0, 2, 3};
+    Row const rows[] = {
+        {"by vertex, its own normals",
+         make_fold(),
+         {{1, 0, 1}, {-0.0f, -0.0f, 1}, {2, -0.0f, 2}, {1, 0, -0.0f}},
+         {},
+         {0, 1, 2, 0, 2, 3},
+         0},
+        // A value that equals a vertex's normal goes by that vertex from then on.
+        {"own, then remembered",
+         make_fold(),
+         fold_values,
+         {2, 2, 2, 2, 2, 2},
+         {0, 0, 0, 0, 0, 0},
+         0},
+        {"flat or own",
+         make_fold(),
+         fold_values,
+         {0, 0, 0, 1, 1, 1},
+         {absent, 1, 1, absent, absent, 3},
+         0},
+        {"extra once a vertex",
+         make_fold(),
+         fold_values,
+         {4, 4, 4, 4, 4, 4},
+         {4, 5, 6, 4, 6, 7},
+         4},
+        {"no value",
+         make_fold(),
+         fold_values,
+         {3, 5, absent, 3, 99, 0xFFFFFFFE},
+         Numbers(6, absent),
+         0},
+        {"not covered",
+         with_edge,
+         fold_values,
+         {0, 0, 0, 4, 4, 1, 1, 1},
+         {absent, 1, 1, absent, absent, absent, absent, 3},
+         0},
+        {"one flat normal of two", make_folded_quad(), {{0, 0, 1}}, {0, 0, 0, 0}, {4, 5, 6, 3}, 3},
+        {"both flat normals", make_square(), {{0, 0, 7}}, {0, 0, 0, 0}, {0, 0, 0, 0}, 0},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.name);
+        Shape shape = row.shape;
+        shape.normal_maps = {make_map<GeometryNormalMap>("n", row.values, row.indices)};
+        PolyMesh mesh;
+        shape.set(mesh);
+        ASSERT_EQ(mesh.get_normal_map_count(), 1u);
+        PolyMeshNormalMap const& map = mesh.get_geometry().normal_maps[0];
+        EXPECT_EQ(take(map.polygon_indices), row.expected);
+        EXPECT_EQ(map.normals.get_count(), row.extra_count);
+        EXPECT_EQ(find_broken_invariant(mesh), "");
+    }
+}
+
+TEST(NormalMaps, AreReadByCornerAndByPrimitive) {
+    using Vec = GMathVec3<float>;
+    Shape shape = make_fold();
+    shape.normal_maps = {make_map<GeometryNormalMap>("n", fold_values, {0, 0, 0, 1, 1, 1}),
+                         make_map<GeometryNormalMap>("extra", fold_values, {4, 3, 4, 4, 4, 3})};
+    PolyMesh mesh;
+    shape.set(mesh);
+    CoreArray<GeometryNormalMap> maps;
+    mesh.get_polygon_normal_maps(maps);
+    struct Row {
+        Points values;
+        Numbers indices;
+    };
+    // In the order of first use; each polygon has its own flat normal.
+    Row const rows[] = {{{{0, 0, 1}, {0, 0, 1}, {1, 0, 0}, {1, 0, 0}}, {0, 1, 1, 2, 2, 3}},
+                        {{{0, -1, 0}, {0, 0, 1}, {0, -1, 0}, {1, 0, 0}}, {0, 1, 2, 0, 2, 3}}};
+    for (unsigned int i = 0; i < 2; ++i) {
+        CoreArray<Vec> values;
+        CoreArray<unsigned int> indices;
+        ASSERT_TRUE(mesh.get_normal_map_data(i, values, indices));
+        EXPECT_EQ(take(maps[i].indices), rows[i].indices);
+        EXPECT_EQ(take(indices), rows[i].indices);
+        EXPECT_EQ(Points(values.begin(), values.end()), rows[i].values);
+        EXPECT_EQ(Points(maps[i].values.begin(), maps[i].values.end()), rows[i].values);
+    }
+    EXPECT_EQ(maps[1].name, "extra");
+
+    // Cut polygons: by the corners of their triangles.
+    shape = make_row();
+    Points const lying(12, {0, 1, 0});
+    shape.normal_maps = {
+        make_map<GeometryNormalMap>("n", lying, {0, 0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5})};
+    shape.set(mesh);
+    CoreArray<Vec> values;
+    CoreArray<unsigned int> corners;
+    CoreArray<unsigned int> indices;
+    mesh.get_polygon_normal_map_data(0, values, corners);
+    mesh.get_normal_map_data(0, values, indices);
+    Numbers const ids{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 7, 9, 10, 7};
+    for (unsigned int i = 0; i < ids.size(); ++i) {
+        EXPECT_EQ(indices[i], corners[ids[i]]) << i;
+    }
+}
+
+TEST(PointCloud, IsReplacedByAVersionOfItself) {
+    Shape shape = make_fold();
+    shape.positions.push_back({9, 9, 9});  // of no polygon
+    shape.normal_maps = {make_map<GeometryNormalMap>("n", fold_values, {0, 0, 0, 1, 1, 1})};
+    PolyMesh mesh;
+    shape.set(mesh);
+    EXPECT_EQ(find_broken_invariant(mesh), "");
+    GeometryPointCloudData const* const before = &mesh.get_point_cloud()->get_data();
+    GeometryDescriptor const& support = before->support_geometries[0];
+    EXPECT_TRUE(support.geometry == &mesh && support.base_geometry == &mesh && support.index == 0);
+    EXPECT_EQ(support.transform, GMathMatrix4x4<double>::get_identity());
+
+    PolyMesh other;
+    shape.set(other);
+    AppProgressBar bar("points");
+    EXPECT_FALSE(mesh.set_point_cloud(*other.get_point_cloud(), &bar));
+    EXPECT_EQ(&mesh.get_point_cloud()->get_data(), before);
+    EXPECT_EQ(mesh.get_normal_map_count(), 1u);
+
+    GeometryPointCloud moved(*mesh.get_point_cloud());
+    Points const turned{{0, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}, {-9, 9, 9}};
+    moved.set_positions(view(turned));
+    for (AppProgressBar* const progress : {&bar, static_cast<AppProgressBar*>(nullptr)}) {
+        shape.set(mesh);
+        EXPECT_FALSE(mesh.set_point_cloud(moved, progress));  // made before the points were anew
+        GeometryPointCloud again(*mesh.get_point_cloud());
+        again.set_positions(view(turned));
+        EXPECT_TRUE(mesh.set_point_cloud(again, progress));
+        EXPECT_EQ(mesh.get_normal_map_count(), 0u);
+        EXPECT_EQ(mesh.get_point_cloud()->get_data().normals[1].decode(), turned[3]);
+        EXPECT_EQ(find_broken_invariant(mesh), "");
+    }
+    EXPECT_DOUBLE_EQ(bar.get_value(), 1.0);
+}

@@ -1,0 +1,187 @@
+#include <tests/log_capture.h>
+#include <tests/mesh_invariants.h>
+#include <tests/shapes.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <bit>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using Vec3 = std::array<float, 3>;
+using Vec4 = std::array<float, 4>;
+
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+Vec3 subtract(Vec3 const& a, Vec3 const& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+
+float dot(Vec3 const& a, Vec3 const& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+
+Vec3 get_unit(Vec3 const& a) {
+    float const length = std::sqrt(dot(a, a));
+    return length > 0.0f ? Vec3{a[0] / length, a[1] / length, a[2] / length} : Vec3{};
+}
+
+float get_spread(Vec4 const& sum) {
+    float const length = std::sqrt(sum[0] * sum[0] + sum[1] * sum[1] + sum[2] * sum[2]);
+    float const range = sum[0] + sum[1] + sum[2] - length;
+    return range > 1.1920929e-07f ? (sum[3] - length) / range : 0.0f;
+}
+
+// Normals and sums from primitives and positions alone.
+struct PlainNormals {
+    std::vector<Vec3> vertices;
+    std::vector<Vec4> groups;
+    Vec4 whole{};
+
+    explicit PlainNormals(PolyMesh const& mesh)
+        : vertices(mesh.get_vertex_count()), groups(mesh.get_shading_group_names().get_count()) {
+        CoreArray<unsigned int> v;
+        mesh.get_primitive_indices(v);
+        unsigned int next = 0;
+        for (unsigned int p = 0; p < mesh.get_primitive_count(); ++p) {
+            unsigned int const group = mesh.get_primitive_shading_group_index(p);
+            add(mesh, {v[next], v[next + 1], v[next + 2]}, group);
+            if (mesh.get_primitive_edge_count(p) == 4) {
+                add(mesh, {v[next], v[next + 2], v[next + 3]}, group);
+            }
+            next += mesh.get_primitive_edge_count(p);
+        }
+        for (Vec4& group : groups) {
+            for (unsigned int i = 0; i < 4; ++i) {
+                group[i] *= 0.5f;
+                whole[i] += group[i];
+            }
+            group[3] = get_spread(group);
+        }
+        whole[3] = get_spread(whole);
+    }
+
+    void add(PolyMesh const& mesh, Numbers const& corners, unsigned int const& group) {
+        Vec3 points[3];
+        for (unsigned int k = 0; k < 3; ++k) {
+            GMathVec3<float> const& p = mesh.get_point_cloud()->get_data().positions[corners[k]];
+            points[k] = {p.x, p.y, p.z};
+        }
+        Vec3 const last = subtract(points[0], points[2]);
+        Vec3 const first = subtract(points[1], points[0]);
+        Vec3 const n{last[1] * first[2] - last[2] * first[1],
+                     last[2] * first[0] - last[0] * first[2],
+                     last[0] * first[1] - last[1] * first[0]};
+        if (group < groups.size() && std::isfinite(std::sqrt(dot(n, n)))) {
+            for (unsigned int i = 0; i < 3; ++i) {
+                groups[group][i] += std::abs(n[i]);
+            }
+            groups[group][3] += std::sqrt(dot(n, n));
+        }
+        Vec3 const unit = get_unit(n);
+        for (unsigned int k = 0; k < 3; ++k) {
+            Vec3 const in = get_unit(subtract(points[k], points[(k + 2) % 3]));
+            Vec3 const out = get_unit(subtract(points[(k + 1) % 3], points[k]));
+            for (unsigned int i = 0; i < 3; ++i) {
+                double const weighted = static_cast<double>(unit[i]) * (1.0 + double(dot(in, out)));
+                vertices[corners[k]][i] += static_cast<float>(weighted);
+            }
+        }
+    }
+};
+
+unsigned int bits(float const& value) { return std::bit_cast<unsigned int>(value); }
+
+void expect_equal(PolyMeshNormalSum const& sum, Vec4 const& expected) {
+    EXPECT_EQ(bits(sum.x), bits(expected[0]));
+    EXPECT_EQ(bits(sum.y), bits(expected[1]));
+    EXPECT_EQ(bits(sum.z), bits(expected[2]));
+    EXPECT_EQ(bits(sum.spread), bits(expected[3]));
+}
+
+// What normals are computed of, beside soups.
+Shape make_corner() {
+    return {{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}, {3, 3}, {0, 1, 2, 0, 2, 3}};
+}
+
+}  // namespace
+
+TEST(MeshNormals, AreToTheBitThoseOfAPlainSum) {
+    std::vector<Shape> shapes{
+        make_triangle(), make_square(), make_folded_quad(), make_corner(), {}};
+    for (unsigned int seed = 0; seed < 50; ++seed) {
+        shapes.push_back(make_soup(seed));
+        for (GMathVec3<float>& p : shapes.back().positions) {
+            p = p * 0.37f;  // off the grid, so that the order of sums shows
+        }
+    }
+    shapes.push_back(make_soup(1));
+    shapes.back().positions[0].x = std::nanf("");
+    shapes.back().positions[1].y = infinity;
+    shapes.back().positions[2].z = 1e30f;  // finite, but its face normals are not
+    for (Shape const& shape : shapes) {
+        SCOPED_TRACE(&shape - shapes.data());
+        LogCapture const quiet(1);
+        PolyMesh mesh;
+        shape.set(mesh);
+        PlainNormals const expected(mesh);
+        expect_equal(mesh.get_geometry().mesh_normal, expected.whole);
+        for (unsigned int group = 0; group < expected.groups.size(); ++group) {
+            expect_equal(mesh.get_geometry().shading_group_normals[group], expected.groups[group]);
+        }
+        for (unsigned int i = 0; i < expected.vertices.size(); ++i) {
+            Vec3 const& sum = expected.vertices[i];
+            float const length = std::sqrt(dot(sum, sum));
+            float const scale = length > 0.0f ? 1.0f / length : 0.0f;
+            GMathShortNormal const normal =
+                length > 0.0f
+                    ? GMathShortNormal::encode({sum[0] * scale, sum[1] * scale, sum[2] * scale})
+                    : GMathShortNormal{0, 0, 0};
+            EXPECT_EQ(mesh.get_point_cloud()->get_data().normals[i], normal) << i;
+        }
+    }
+}
+
+TEST(MeshNormals, SumUpAreasAndTheirSpread) {
+    struct Row {
+        Shape shape;
+        Vec4 sum;
+    };
+    Row const rows[] = {{make_square(), {0, 0, 1, 0}},
+                        {make_corner(), {0.5f, 0, 0.5f, 1}}};  // two faces at a right angle
+    for (Row const& row : rows) {
+        PolyMesh mesh;
+        row.shape.set(mesh);
+        expect_equal(mesh.get_geometry().shading_group_normals[0], row.sum);
+        expect_equal(mesh.get_geometry().mesh_normal, row.sum);
+    }
+}
+
+TEST(MeshBounds, LeaveOutVerticesThatAreNotFinite) {
+    Shape shape = make_row();
+    shape.groups = {0, 1, 3};
+    shape.names = {"a", "b", "unused"};
+    shape.positions[0] = {std::nanf(""), 0, 30};
+    shape.positions[1].z = -infinity;
+    shape.positions[2].y = infinity;
+    LogCapture capture(2);
+    PolyMesh mesh;
+    shape.set(mesh);
+    EXPECT_EQ(capture.take(), "2 PolyMesh: vertex 0 is not valid: (nan, 0, 30)\n"
+                              "2 PolyMesh: vertex 1 is not valid: (1, 0, -inf)\n"
+                              "2 PolyMesh: vertex 2 is not valid: (1, inf, 0)\n");
+    using Box = GMathBbox3<float>;
+    PolyMeshGeometry const& geometry = mesh.get_geometry();
+    EXPECT_EQ(geometry.mesh_bbox, Box({2, 0, 0}, {4, 2, 0}));
+    EXPECT_EQ(geometry.shading_group_bbox[0], Box::get_inverted());  // all its vertices are invalid
+    EXPECT_EQ(geometry.shading_group_bbox[1], Box({2, 0, 0}, {2, 1, 0}));
+    EXPECT_EQ(geometry.shading_group_bbox[2], Box::get_inverted());
+    EXPECT_EQ(find_broken_invariant(mesh), "");
+
+    // Without vertices only x and y return to zero.
+    shape = make_folded_quad();
+    shape.set(mesh);
+    shape = Shape();
+    shape.set(mesh);
+    EXPECT_EQ(geometry.mesh_bbox, Box({0, 0, 0}, {0, 0, 1}));
+    EXPECT_EQ(geometry.shading_group_bbox[0], Box::get_zero());
+}
