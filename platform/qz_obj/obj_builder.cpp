@@ -12,6 +12,18 @@ unsigned char get_color_byte(float const& value) {
 
 }  // namespace
 
+// Lines and corners are rarely shorter than this; if they are, the lists grow as any list does.
+void ObjBuilder::reserve(unsigned long long const& size) {
+    positions.reserve(size, 20);
+    uvs.values.reserve(size, 16);
+    normals.values.reserve(size, 16);
+    corners.reserve(size, 4);
+    counts.reserve(size, 16);
+    uvs.get_indices().reserve(size, 6);
+    normals.get_indices().reserve(size, 6);
+    groups.reserve(size, 16);
+}
+
 // A corner takes two bytes, a face with its three corners eight.
 bool ObjBuilder::make_room_for_faces(std::size_t const& size) {
     unsigned int const corner_count = static_cast<unsigned int>(size / 2 + 1);

@@ -25,6 +25,8 @@ class ObjBuilder {
     ObjCreases creases;
     ObjForm form = ObjForm::POINTS;  // of the last corner that was added
 
+    // A file of `size` bytes is about to be read; 0 when that is not known.
+    void reserve(unsigned long long const& size);
     // Room for all corners and faces of `size` bytes of text. False: that might be too many.
     bool make_room_for_faces(std::size_t const& size);
 

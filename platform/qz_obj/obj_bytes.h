@@ -25,9 +25,23 @@ inline ObjByte obj_get_byte(char const* at) {
 inline bool obj_is_blank(char const* at) { return obj_get_byte(at) == ObjByte::BLANK; }
 inline bool obj_is_line_end(char const* at) { return obj_get_byte(at) == ObjByte::LINE_END; }
 
-// The line end at `at`: LF, CR LF or CR alone. What follows a CR must be readable.
+inline char const* obj_skip_blanks(char const* at) {
+    while (obj_is_blank(at)) {
+        ++at;
+    }
+    return at;
+}
+
+// A keyword of `length` letters and a blank stand at `at`.
+template <unsigned int length>
+bool obj_is_keyword(char const* at, char const* keyword) {
+    return std::memcmp(at, keyword, length) == 0 && (at[length] == ' ' || at[length] == '\t');
+}
+
+// The line end at `at`: LF, CR LF or CR alone. What follows a CR must be readable. A branch, so that
+// the next line need not wait for these bytes.
 inline char const* obj_skip_line_end(char const* at) {
-    return at + 1 + ((at[0] == '\r') & (at[1] == '\n'));
+    return *at == '\n' ? at + 1 : at[1] == '\n' ? at + 2 : at + 1;
 }
 
 // Eight bytes as a number whose lowest byte is the first, on every processor.
@@ -47,7 +61,7 @@ inline std::uint64_t obj_load_8(void const* at) {
 // The value of `count` decimal digits, 1 to 8; eight bytes must be readable. The shift puts zeros
 // in front of the digits; each step then joins neighbours: digits to pairs, to fours, to all eight.
 inline unsigned int obj_join_digits(char const* digits, unsigned int const& count) {
-    std::uint64_t word = obj_load_8(digits) << (64 - 8 * count);
+    std::uint64_t word = obj_load_8(digits) << (-8 * static_cast<int>(count) & 63);
     word = ((word & 0x0F0F0F0F0F0F0F0Full) * (10 * 256 + 1)) >> 8;
     word = ((word & 0x00FF00FF00FF00FFull) * (100 * 65536 + 1)) >> 16;
     word = ((word & 0x0000FFFF0000FFFFull) * (10000 * 4294967296ull + 1)) >> 32;

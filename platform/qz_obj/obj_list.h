@@ -35,6 +35,15 @@ class ObjList {
         return true;
     }
 
+    // Storage that will do for a file of `size` bytes with an element every `bytes_per_element`, so
+    // that it need not move; pages that are never written cost nothing. Storage of many megabytes
+    // is moved without copying, so there is no gain beyond.
+    void reserve(unsigned long long const& size, unsigned int const& bytes_per_element) {
+        unsigned long long const largest = (1ull << 25) / sizeof(T);
+        unsigned long long const count = std::min(size / bytes_per_element, largest);
+        m_storage.resize(static_cast<unsigned int>(std::max<unsigned long long>(count, m_count)));
+    }
+
     // Takes in `count` elements that were written behind the end.
     void commit(unsigned int const& count) {
         assert(count <= m_storage.get_count() - m_count);

@@ -44,14 +44,16 @@ inline constexpr std::array<ObjScale, 34> obj_scale_table = [] {
 
 #if defined(__SSE2__)
 
-// Read from place 16 - n on, n bytes are set.
-alignas(16) inline constexpr std::array<unsigned char, 32> obj_byte_masks = [] {
+// Read from place 16 - n on, n bytes have all these bits set, the others none.
+constexpr std::array<unsigned char, 32> obj_make_masks(unsigned char const& bits) {
     std::array<unsigned char, 32> masks{};
     for (unsigned int i = 0; i < 16; ++i) {
-        masks[i] = 0xFF;
+        masks[i] = bits;
     }
     return masks;
-}();
+}
+inline constexpr std::array<unsigned char, 32> obj_byte_masks = obj_make_masks(0xFF);
+inline constexpr std::array<unsigned char, 32> obj_digit_masks = obj_make_masks(0x0F);
 
 // a * scale.high + b * scale.low of `count` digits, `before_point` of them before the point.
 // 17 bytes must be readable.
@@ -61,15 +63,16 @@ inline double obj_scale_digits(char const* digits, unsigned int const& before_po
         return _mm_loadu_si128(static_cast<__m128i const*>(at));
     };
     __m128i const is_before = load(obj_byte_masks.data() + 16 - before_point);
-    __m128i const is_digit = load(obj_byte_masks.data() + 16 - count);
-    // Bytes behind the point move up by one.
+    __m128i const is_digit = load(obj_digit_masks.data() + 16 - count);
+    // Bytes behind the point move up by one; 0x0F makes digits of bytes.
     __m128i const joined = _mm_or_si128(_mm_and_si128(is_before, load(digits)),
                                         _mm_andnot_si128(is_before, load(digits + 1)));
-    __m128i const ones = _mm_and_si128(_mm_and_si128(joined, is_digit), _mm_set1_epi8(0x0F));
-    // Pairs, in 16 bits: the first of two digits is the lower byte, and 10 * 256 + 1 brings ten
-    // times it and the second together in the upper byte.
-    __m128i const pairs = _mm_srli_epi16(_mm_mullo_epi16(ones, _mm_set1_epi16(10 * 256 + 1)), 8);
-    __m128i const fours = _mm_madd_epi16(pairs, _mm_set1_epi32(100 | 1 << 16));
+    __m128i const ones = _mm_and_si128(joined, is_digit);
+    // Digits 0, 2, 4... and 1, 3, 5... in 16 bits each, then numbers of four digits in 32 bits.
+    __m128i const even = _mm_and_si128(ones, _mm_set1_epi16(0xFF));
+    __m128i const odd = _mm_srli_epi16(ones, 8);
+    __m128i const fours = _mm_add_epi32(_mm_madd_epi16(even, _mm_set1_epi32(1000 | 10 << 16)),
+                                        _mm_madd_epi16(odd, _mm_set1_epi32(100 | 1 << 16)));
     __m128i const packed = _mm_packs_epi32(fours, fours);
     __m128i const eights = _mm_madd_epi16(packed, _mm_set1_epi32(10000 | 1 << 16));
     __m128d const parts = _mm_mul_pd(_mm_cvtepi32_pd(eights), _mm_load_pd(&scale.high));
@@ -90,28 +93,25 @@ inline double obj_scale_digits(char const* digits, unsigned int const& before_po
 
 #endif
 
-// Reads the word of `length` bytes at `word`, 1 to 56, if it is such a number; false leaves `value`
+// Reads the word of `length` bytes at `word`, 0 to 63, if it is such a number; false leaves `value`
 // alone. `non_digits` has its bit i set where byte i is no digit, the byte behind the word
-// included.
+// included. 64 bytes must be readable.
 inline bool obj_read_plain_number(char const* word, unsigned int const& length,
                                   std::uint64_t const& non_digits, float& value) {
     unsigned int const is_negative = *word == '-' ? 1 : 0;
-    char const* const digits = word + is_negative;
-    unsigned int const end = length - is_negative;
-    std::uint64_t const marks = non_digits >> is_negative;
-    unsigned int const before_point = static_cast<unsigned int>(std::countr_zero(marks));
-    std::uint64_t const later_marks = marks & (marks - 1);
-    unsigned int const has_point = before_point != end ? 1 : 0;
-    unsigned int const count = end - has_point;
-    // Nothing but digits, or one other byte, the point.
-    std::uint64_t const rest = has_point ? later_marks : marks;
-    bool const is_plain = (rest & ((2ull << end) - 1)) == (1ull << end) &&
-                          (digits[before_point] == '.' || !has_point) &&
-                          count - 1 < obj_most_plain_digits;
-    if (!is_plain) [[unlikely]] {
+    std::uint64_t const end = 1ull << length;
+    std::uint64_t const others = (non_digits & (end - 1)) ^ is_negative;  // beside the minus
+    unsigned int const point = static_cast<unsigned int>(std::countr_zero(others | end));
+    unsigned int const has_point = others != 0 ? 1 : 0;
+    unsigned int const before_point = point - is_negative;
+    unsigned int const count = length - is_negative - has_point;
+    // All digits, but for at most one other byte, the point. One test for all: see above.
+    bool const is_odd = ((others & (others - 1)) != 0) | ((word[point] != '.') & (has_point != 0)) |
+                        (count - 1 >= obj_most_plain_digits);
+    if (is_odd) [[unlikely]] {
         return false;
     }
-    double const result = obj_scale_digits(digits, before_point, count,
+    double const result = obj_scale_digits(word + is_negative, before_point, count,
                                            obj_scale_table[before_point + 17 * is_negative]);
     constexpr std::uint64_t dropped_bits = (1ull << 29) - 1;
     constexpr std::uint64_t half_way = 1ull << 28;

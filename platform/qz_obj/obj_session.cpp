@@ -60,6 +60,7 @@ bool read_mesh(CoreString const& path, ObjLimits const& limits, ObjProgress& pro
         return report.refuse(file.get_error().get_view());
     }
     ObjBuilder builder(limits, progress);
+    builder.reserve(file.get_size());
     ObjParser parser(builder, report);
     if (!read_blocks(file, limits, progress, report, parser) || !builder.finish(report, mesh)) {
         return false;

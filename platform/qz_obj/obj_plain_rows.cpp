@@ -1,0 +1,127 @@
+#include <platform/qz_obj/obj_plain_rows.h>
+
+#include <platform/qz_obj/obj_number.h>
+#include <platform/qz_obj/obj_plain_number.h>
+
+#include <bit>
+
+namespace {
+
+constexpr unsigned int most_numbers = 7;  // x y z, r g b and alpha
+
+template <ObjRow row>
+constexpr std::string_view keyword = row == ObjRow::POINT ? "v"
+                                     : row == ObjRow::UV  ? "vt"
+                                                          : "vn";
+
+// Numbers with exponents, many digits or a plus; not nan and inf, which some rows do not keep.
+bool read_rare_number(std::string_view const& word, float& value) {
+    bool const is_signed = word[0] == '-' || word[0] == '+';
+    char const first = word.size() > 1 && is_signed ? word[1] : word[0];
+    return ((first >= '0' && first <= '9') || first == '.') &&
+           obj_parse_number(word, value) == ObjNumber::WHOLE && value - value == 0.0f;
+}
+
+// Reads numbers from the blank at `at` up to the line end and returns where that is; null when
+// there is anything else.
+inline char const* read_numbers(ObjMarks const& marks, char const* at, float* numbers,
+                                unsigned int& number_count) {
+    constexpr std::uint64_t beyond = 1ull << 57;  // no word that is read here is as long
+    unsigned int count = 0;
+    ++at;
+    std::uint64_t ends = marks.get_word_ends(at) | beyond;
+    std::uint64_t non_digits = marks.get_non_digits(at);
+    for (;;) {
+        unsigned int const length = static_cast<unsigned int>(std::countr_zero(ends));
+        if (count < most_numbers && obj_read_plain_number(at, length, non_digits, numbers[count]))
+            [[likely]] {
+            ++count;
+        } else if (length == 0) {
+            // More blanks, or one at the end of the line.
+            at = obj_skip_blanks(at);
+            if (obj_is_line_end(at)) {
+                break;
+            }
+            if (static_cast<unsigned char>(*at) <= ' ') {
+                return nullptr;
+            }
+            ends = marks.get_word_ends(at) | beyond;
+            non_digits = marks.get_non_digits(at);
+            continue;
+        } else if (count < most_numbers && length < 57 &&
+                   read_rare_number({at, length}, numbers[count])) {
+            ++count;
+        } else {
+            return nullptr;
+        }
+        at += length;
+        if (*at != ' ') {
+            if (obj_is_line_end(at)) {
+                break;
+            }
+            if (!obj_is_blank(at)) {
+                return nullptr;
+            }
+        }
+        ++at;
+        ends >>= length + 1;
+        non_digits >>= length + 1;
+        if (ends == 0) [[unlikely]] {
+            ends = marks.get_word_ends(at) | beyond;
+            non_digits = marks.get_non_digits(at);
+        }
+    }
+    number_count = count;
+    return at;
+}
+
+// False: the row is not plain, or one too many.
+template <ObjRow row>
+bool add_row(ObjBuilder& builder, float const* numbers, unsigned int const& count) {
+    if constexpr (row == ObjRow::POINT) {
+        if (count < 3 || !builder.add_point({numbers[0], numbers[1], numbers[2]})) [[unlikely]] {
+            return false;
+        }
+        if (count >= 6) {
+            builder.set_color(numbers + 3, count > 6 ? numbers[6] : 1.0f);
+        }
+        return true;
+    } else if constexpr (row == ObjRow::UV) {
+        return count >= 2 && count <= 3 &&
+               builder.add_uv({numbers[0], numbers[1], count > 2 ? numbers[2] : 0.0f});
+    } else {
+        return count == 3 && builder.add_normal({numbers[0], numbers[1], numbers[2]});
+    }
+}
+
+}  // namespace
+
+template <ObjRow row>
+char const* obj_read_plain_rows(ObjText const& text, char const* begin, ObjBuilder& builder,
+                                unsigned long long& line) {
+    ObjMarks const& marks = *text.marks;
+    char const* const end = text.end;
+    char const* at = begin;
+    unsigned long long count = 0;
+    while (obj_is_keyword<keyword<row>.size()>(at, keyword<row>.data())) {
+        float numbers[most_numbers];
+        unsigned int number_count = 0;
+        char const* const line_end =
+            read_numbers(marks, at + keyword<row>.size(), numbers, number_count);
+        if (!line_end || line_end >= end || !add_row<row>(builder, numbers, number_count))
+            [[unlikely]] {
+            break;
+        }
+        at = obj_skip_line_end(line_end);
+        ++count;
+    }
+    line += count;
+    return at;
+}
+
+template char const* obj_read_plain_rows<ObjRow::POINT>(ObjText const&, char const*, ObjBuilder&,
+                                                        unsigned long long&);
+template char const* obj_read_plain_rows<ObjRow::UV>(ObjText const&, char const*, ObjBuilder&,
+                                                     unsigned long long&);
+template char const* obj_read_plain_rows<ObjRow::NORMAL>(ObjText const&, char const*, ObjBuilder&,
+                                                         unsigned long long&);
