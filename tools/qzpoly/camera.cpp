@@ -1,0 +1,170 @@
+#include <tools/qzpoly/camera.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace {
+
+constexpr double degree = std::numbers::pi / 180.0;
+constexpr double margin = 1.12;  // room around a fitted geometry
+// From this share of its area facing one way to the side, a surface is taken for an open one, to be
+// seen from there: a mask, or a room without its front wall.
+constexpr double open_share = 0.1;
+
+GMathVec3<double> to_vector(std::vector<double> const& v) { return {v[0], v[1], v[2]}; }
+
+// Some unit vector at right angles to the vertical: the front of a model that is not open. Models
+// that stand along y look to +z, others to -y.
+GMathVec3<double> get_usual_front(GMathVec3<double> const& vertical) {
+    GMathVec3<double> const wish =
+        std::abs(vertical.y) > 0.7 ? GMathVec3<double>(0, 0, 1) : GMathVec3<double>(0, -1, 0);
+    GMathVec3<double> const front = gmath_unit(wish - vertical * gmath_dot(wish, vertical));
+    return gmath_length(front) > 0.5 ? front : GMathVec3<double>(1, 0, 0);
+}
+
+// From the target to the eye.
+GMathVec3<double> choose_direction(ToolExtent const& extent, GMathVec3<double> const& vertical,
+                                   double const& turn_degrees) {
+    GMathVec3<double> front = get_usual_front(vertical);
+    double azimuth = 32 * degree;
+    double elevation = 20 * degree;
+    GMathVec3<double> const facing =
+        extent.area_vector - vertical * gmath_dot(extent.area_vector, vertical);
+    double const share = extent.area > 0 ? gmath_length(facing) / extent.area : 0.0;
+    if (share > open_share) {
+        front = gmath_unit(facing);
+        azimuth = 8 * degree * (1 - share);
+        elevation = 6 * degree * (1 - share);
+    }
+    azimuth += turn_degrees * degree;
+    GMathVec3<double> const side = gmath_cross(vertical, front);
+    return (front * std::cos(azimuth) + side * std::sin(azimuth)) * std::cos(elevation) +
+           vertical * std::sin(elevation);
+}
+
+// The part of the picture that the geometry takes, and how far back the eye must go for it.
+struct Fit {
+    double left = 1e300;
+    double right = -1e300;
+    double bottom = 1e300;
+    double top = -1e300;
+    double retreat = -1e300;  // of the eye along -forward, so that all lies in the picture
+};
+
+Fit compute_fit(ToolExtent const& extent, ToolCamera const& camera) {
+    Fit fit;
+    for (GMathBbox3<double> const& box : extent.primitive_boxes) {
+        for (unsigned int corner = 0; corner < 8; ++corner) {
+            GMathVec3<double> const point((corner & 1) != 0 ? box.maximum.x : box.minimum.x,
+                                          (corner & 2) != 0 ? box.maximum.y : box.minimum.y,
+                                          (corner & 4) != 0 ? box.maximum.z : box.minimum.z);
+            GMathVec3<double> const d = point - camera.eye;
+            double const depth = gmath_dot(d, camera.forward);
+            double const x = gmath_dot(d, camera.right) / camera.half_width;
+            double const y = gmath_dot(d, camera.up) / camera.half_height;
+            fit.retreat = std::max(fit.retreat, std::max(std::abs(x), std::abs(y)) - depth);
+            if (depth > 0) {
+                fit.left = std::min(fit.left, x / depth);
+                fit.right = std::max(fit.right, x / depth);
+                fit.bottom = std::min(fit.bottom, y / depth);
+                fit.top = std::max(fit.top, y / depth);
+            }
+        }
+    }
+    return fit;
+}
+
+// Moves the eye along the picture and along its line of sight until the geometry fills the middle.
+void fit_eye(ToolExtent const& extent, double const& radius, ToolCamera& camera) {
+    camera.eye = camera.eye - camera.forward * (radius * 4 / camera.half_height);
+    for (int round = 0; round < 6; ++round) {
+        Fit const fit = compute_fit(extent, camera);
+        GMathVec3<double> const center = (extent.bbox.minimum + extent.bbox.maximum) * 0.5;
+        double const depth = gmath_dot(center - camera.eye, camera.forward);
+        double const x = (fit.left + fit.right) * 0.5 * camera.half_width * depth;
+        double const y = (fit.bottom + fit.top) * 0.5 * camera.half_height * depth;
+        camera.eye += camera.right * x + camera.up * y;
+        camera.eye = camera.eye - camera.forward * compute_fit(extent, camera).retreat;
+    }
+    double const depth =
+        gmath_dot((extent.bbox.minimum + extent.bbox.maximum) * 0.5 - camera.eye, camera.forward);
+    camera.eye = camera.eye - camera.forward * (depth * (margin - 1));
+}
+
+bool orient(GMathVec3<double> const& forward, ToolCamera& camera) {
+    camera.forward = gmath_unit(forward);
+    camera.right = gmath_unit(gmath_cross(camera.forward, camera.vertical));
+    camera.up = gmath_cross(camera.right, camera.forward);
+    // False where forward is 0, along the vertical, or no number.
+    return gmath_length(gmath_cross(camera.forward, camera.vertical)) > 1e-9;
+}
+
+}  // namespace
+
+GMathBasicRay ToolCamera::make_ray(double const& x, double const& y) const {
+    double const across = (2 * x / width - 1) * half_width;
+    double const upwards = (1 - 2 * y / height) * half_height;
+    return {eye, gmath_unit(forward + right * across + up * upwards)};
+}
+
+void ToolCamera::project(GMathVec3<double> const& point, double& x, double& y,
+                         double& depth) const {
+    GMathVec3<double> const d = point - eye;
+    depth = gmath_dot(d, forward);
+    x = (gmath_dot(d, right) / (depth * half_width) + 1) * 0.5 * width;
+    y = (1 - gmath_dot(d, up) / (depth * half_height)) * 0.5 * height;
+}
+
+void add_camera_options(CLI::App& command, ToolCameraOptions& options) {
+    std::string const group = "Camera";
+    CLI::Option* const eye = command.add_option("--eye", options.eye, "Where the camera stands");
+    eye->type_name("X Y Z")->expected(3)->group(group);
+    command.add_option("--turn", options.turn_degrees, "Walks around it, in degrees")
+        ->excludes(eye)
+        ->group(group);
+    CLI::Option* const target = command.add_option("--target", options.target, "What it looks at");
+    target->type_name("X Y Z")->expected(3)->group(group);
+    CLI::Option* const up = command.add_option("--up", options.up, "Away from the ground");
+    up->type_name("X Y Z")->expected(3)->group(group)->capture_default_str();
+    command.add_option("--fov", options.fov_degrees, "Height of the view in degrees")
+        ->check(CLI::Range(1.0, 170.0))
+        ->group(group)
+        ->capture_default_str();
+    command.add_option("--size", options.size, "Picture in pixels")
+        ->type_name("W H")
+        ->expected(2)
+        ->check(CLI::Range(1u, 16384u))
+        ->group(group)
+        ->capture_default_str();
+}
+
+bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, ToolMessages& messages,
+                 ToolCamera& camera) {
+    bool const is_empty = extent.primitive_boxes.empty();
+    GMathBbox3<double> const bbox =
+        is_empty ? GMathBbox3<double>({-1, -1, -1}, {1, 1, 1}) : extent.bbox;
+    GMathVec3<double> const center = (bbox.minimum + bbox.maximum) * 0.5;
+    double const radius = std::max(gmath_length(bbox.maximum - bbox.minimum) * 0.5, 1e-6);
+    camera.width = options.size[0];
+    camera.height = options.size[1];
+    camera.half_height = std::tan(options.fov_degrees * 0.5 * degree);
+    camera.half_width = camera.half_height * camera.width / camera.height;
+    camera.vertical = gmath_unit(to_vector(options.up));
+    camera.eye = options.eye.empty() ? center : to_vector(options.eye);
+    GMathVec3<double> const target = options.target.empty() ? center : to_vector(options.target);
+    GMathVec3<double> const forward =
+        options.eye.empty() ? -choose_direction(extent, camera.vertical, options.turn_degrees)
+                            : target - camera.eye;
+    if (!orient(forward, camera)) {
+        messages.fail("the camera needs an eye apart from its target, and an --up across its view");
+        return false;
+    }
+    if (options.eye.empty() && options.target.empty() && !is_empty) {
+        fit_eye(extent, radius, camera);
+    } else if (options.eye.empty()) {
+        camera.eye = target - camera.forward * (margin * radius /
+                                                std::min(camera.half_height, camera.half_width));
+    }
+    return true;
+}

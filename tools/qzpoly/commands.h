@@ -1,0 +1,17 @@
+#pragma once
+
+#include <tools/qzpoly/messages.h>
+
+#include <CLI/CLI.hpp>
+
+// What a subcommand gets from the program and leaves to it.
+struct ToolSession {
+    ToolMessages messages;
+    int status = tool_success;
+};
+
+// Each adds one subcommand, which runs when it was chosen. A new one is a file of its own and a row
+// in program.cpp. `session` must outlive `app`.
+void add_render_command(CLI::App& app, ToolSession& session);
+void add_visible_command(CLI::App& app, ToolSession& session);
+void add_info_command(CLI::App& app, ToolSession& session);

@@ -1,0 +1,123 @@
+#include <tools/qzpoly/commands.h>
+
+#include <tools/qzpoly/json_out.h>
+#include <tools/qzpoly/mesh_facts.h>
+#include <tools/qzpoly/mesh_source.h>
+
+#include <cstdio>
+
+namespace {
+
+struct InfoOptions {
+    ToolMeshOptions mesh;
+    bool is_json = false;
+};
+
+template <typename... Parts>
+void print_line(Parts const&... parts) {
+    std::string const line = make_text(parts..., '\n');
+    std::fwrite(line.data(), 1, line.size(), stdout);
+}
+
+// As floats, which is what boxes are made of, and shorter.
+std::string write_point(GMathVec3<double> const& point) {
+    GMathVec3<float> const p(point);
+    return make_text("(", p.x, ", ", p.y, ", ", p.z, ")");
+}
+
+std::string write_box(GMathBbox3<double> const& box) {
+    return box.is_empty() ? "nothing"
+                          : write_point(box.minimum) + " to " + write_point(box.maximum);
+}
+
+void print_text(ToolMesh const& mesh, ToolMeshFacts const& facts) {
+    print_line("file        ", std::string_view(mesh.kind));
+    print_line("vertices    ", facts.vertex_count);
+    print_line("polygons    ", facts.polygon_count);
+    for (auto const& [corners, count] : facts.polygons_by_corners) {
+        print_line("            ", count, " of ", corners, " corners");
+    }
+    print_line("primitives  ", facts.primitive_count, ": ", facts.triangle_count, " triangles, ",
+               facts.quad_count, " quads");
+    if (facts.missing_triangle_count != 0) {
+        print_line("            ", facts.missing_triangle_count,
+                   " triangles missing, of polygons that cannot be cut");
+    }
+    for (ToolGroupFacts const& group : facts.groups) {
+        print_line("group       ", std::string_view(group.name), ": ", group.polygon_count,
+                   " polygons, ", std::string_view(write_box(group.bbox)));
+    }
+    for (ToolMapFacts const& map : facts.maps) {
+        print_line(map.kind, " map ", std::string_view(map.name), ": ", map.value_count,
+                   " values, ", map.is_by_vertex ? "by vertex" : "by corner");
+    }
+    print_line("creases     ", facts.crease_count);
+    print_line("box         ", std::string_view(write_box(facts.bbox)));
+    print_line("area        ", facts.area);
+    print_line("key         ", std::string_view(facts.key));
+    std::printf("seconds     %.3f\n", mesh.seconds);
+}
+
+ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
+                   std::vector<std::string> const& warnings) {
+    ToolJson corners = ToolJson::object();
+    for (auto const& [corner_count, count] : facts.polygons_by_corners) {
+        corners[std::to_string(corner_count)] = count;
+    }
+    ToolJson groups = ToolJson::array();
+    for (ToolGroupFacts const& group : facts.groups) {
+        groups.push_back({{"name", group.name},
+                          {"polygons", group.polygon_count},
+                          {"box", make_json(group.bbox)}});
+    }
+    ToolJson maps = ToolJson::array();
+    for (ToolMapFacts const& map : facts.maps) {
+        maps.push_back({{"kind", map.kind},
+                        {"name", map.name},
+                        {"values", map.value_count},
+                        {"by", map.is_by_vertex ? "vertex" : "corner"}});
+    }
+    return {{"kind", mesh.kind},
+            {"vertices", facts.vertex_count},
+            {"polygons", facts.polygon_count},
+            {"polygons_by_corners", corners},
+            {"primitives", facts.primitive_count},
+            {"triangles", facts.triangle_count},
+            {"quads", facts.quad_count},
+            {"missing_triangles", facts.missing_triangle_count},
+            {"groups", groups},
+            {"maps", maps},
+            {"creases", facts.crease_count},
+            {"box", make_json(facts.bbox)},
+            {"area", facts.area},
+            {"key", facts.key},
+            {"seconds", mesh.seconds},
+            {"warnings", warnings}};
+}
+
+int run_info(InfoOptions const& options, ToolMessages& messages) {
+    int status = tool_failure;
+    ToolMesh mesh;
+    if (!load_mesh(options.mesh, messages, mesh, status)) {
+        return status;
+    }
+    ToolMeshFacts const facts = find_facts(*mesh.mesh);
+    if (options.is_json) {
+        print_json(make_json(mesh, facts, messages.get_warnings()));
+    } else {
+        print_text(mesh, facts);
+    }
+    return tool_success;
+}
+
+}  // namespace
+
+void add_info_command(CLI::App& app, ToolSession& session) {
+    auto const options = std::make_shared<InfoOptions>();
+    CLI::App* const command =
+        app.add_subcommand("info", "Tell what is in a file and what was built");
+    add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
+    command->add_flag("--json", options->is_json, "As JSON");
+    command->callback(
+        [options, &session] { session.status = run_info(*options, session.messages); });
+}

@@ -1,0 +1,7 @@
+#include <tools/qzpoly/program.h>
+#include <tools/qzpoly/terminal.h>
+
+int main(int argument_count, char** arguments) {
+    catch_interrupts();
+    return run_program(argument_count, arguments);
+}

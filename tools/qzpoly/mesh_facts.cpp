@@ -1,0 +1,120 @@
+#include <tools/qzpoly/mesh_facts.h>
+
+#include <poly/topology/triangulate_polygon.h>
+
+#include <cstring>
+
+namespace {
+
+// What was built of each polygon.
+struct PolygonPrimitives {
+    std::vector<unsigned int> counts;
+    std::vector<bool> is_whole_quad;
+};
+
+PolygonPrimitives count_primitives(PolyMesh const& mesh, ToolMeshFacts& facts) {
+    PolygonPrimitives built;
+    built.counts.resize(facts.polygon_count);
+    built.is_whole_quad.resize(facts.polygon_count);
+    facts.primitive_count = mesh.get_primitive_count();
+    for (unsigned int i = 0; i < facts.primitive_count; ++i) {
+        unsigned int const polygon = mesh.get_primitive_polygon_id(i);
+        bool const is_quad = mesh.get_primitive_edge_count(i) == 4;
+        ++(is_quad ? facts.quad_count : facts.triangle_count);
+        ++built.counts[polygon];
+        built.is_whole_quad[polygon] = is_quad;
+        facts.area +=
+            mesh.estimate_primitive_area(CtxEval(), i, GMathMatrix4x4<double>::get_identity());
+    }
+    return built;
+}
+
+// Cuts once more what the mesh was cut from, and counts the triangles that are missing.
+void count_polygons(PolyMesh const& mesh, PolygonPrimitives const& built, ToolMeshFacts& facts) {
+    CoreArray<GMathVec3<float>> positions;
+    CoreArray<unsigned int> counts;
+    CoreArray<unsigned int> vertices;
+    mesh.get_point_cloud()->get_positions(positions);
+    mesh.get_polygon_vertex_count(counts);
+    mesh.get_polygon_vertex_indices(vertices);
+    std::vector<unsigned int> triangles;
+    unsigned int const* corners = vertices.get_data();
+    for (unsigned int polygon = 0; polygon < facts.polygon_count; ++polygon) {
+        unsigned int const corner_count = counts[polygon];
+        ++facts.polygons_by_corners[corner_count];
+        if (corner_count > 3 && !built.is_whole_quad[polygon]) {
+            triangles.resize(std::size_t(3) * (corner_count - 2));
+            unsigned int const written =
+                triangulate_polygon(positions.get_data(), corners, corner_count, triangles.data());
+            facts.missing_triangle_count += corner_count - 2 - written / 3;
+        }
+        corners += corner_count;
+    }
+}
+
+void list_groups(PolyMesh const& mesh, ToolMeshFacts& facts) {
+    CoreArray<CoreString> const& names = mesh.get_shading_group_names();
+    for (unsigned int i = 0; i < names.get_count(); ++i) {
+        facts.groups.push_back(
+            {std::string(names[i].get_view()), 0, mesh.get_shading_group_bbox(i)});
+    }
+    CoreArray<unsigned int> groups;
+    mesh.get_polygon_shading_groups(groups);
+    for (unsigned int const& group : groups) {
+        if (group < facts.groups.size()) {
+            ++facts.groups[group].polygon_count;
+        }
+    }
+}
+
+template <typename Map>
+void add_map(char const* kind, Map const& map, ToolMeshFacts& facts) {
+    facts.maps.push_back(
+        {kind, std::string(map.name.get_view()), map.values.get_count(), map.indices.is_empty()});
+}
+
+void list_maps(PolyMesh const& mesh, ToolMeshFacts& facts) {
+    for (unsigned int i = 0; i < mesh.get_uv_map_count(); ++i) {
+        GeometryUvMap map;
+        mesh.get_polygon_uv_map(i, map, false);
+        add_map("uv", map, facts);
+    }
+    for (unsigned int i = 0; i < mesh.get_normal_map_count(); ++i) {
+        GeometryNormalMap map;
+        mesh.get_polygon_normal_map(i, map);
+        add_map("normal", map, facts);
+    }
+    for (unsigned int i = 0; i < mesh.get_color_map_count(); ++i) {
+        GeometryColorMap map;
+        mesh.get_polygon_color_map(i, map, false);
+        add_map("color", map, facts);
+    }
+}
+
+std::string write_key(Core128BitHashKey const& key) {
+    unsigned char bytes[sizeof key.words];
+    std::memcpy(bytes, key.words, sizeof bytes);
+    std::string text;
+    for (unsigned char const byte : bytes) {
+        constexpr char digits[] = "0123456789abcdef";
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+}  // namespace
+
+ToolMeshFacts find_facts(PolyMesh const& mesh) {
+    ToolMeshFacts facts;
+    facts.vertex_count = mesh.get_vertex_count();
+    facts.polygon_count = mesh.get_polygon_count();
+    count_polygons(mesh, count_primitives(mesh, facts), facts);
+    ResourceImportData const* const data = mesh.get_import_data();
+    facts.crease_count = data != nullptr ? data->crease_sharpnesses.get_count() : 0;
+    list_groups(mesh, facts);
+    list_maps(mesh, facts);
+    facts.bbox = mesh.get_bbox();
+    facts.key = write_key(mesh.get_hash_key());
+    return facts;
+}

@@ -1,0 +1,121 @@
+#include <tools/qzpoly/mesh_source.h>
+
+#include <tools/qzpoly/stopwatch.h>
+#include <tools/qzpoly/terminal.h>
+
+#include <platform/qz_lwo.h>
+#include <poly/module/poly_helpers.h>
+
+#include <filesystem>
+
+namespace {
+
+constexpr char const* own_model_name = "rocket.obj";
+constexpr double largest_sphere_count = 8192;  // segments or rings; 67 million polygons
+
+std::filesystem::path get_program_folder() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+// Where the project's own model lies: beside the sources, or where the program was installed.
+std::string find_own_model() {
+    std::filesystem::path const places[] = {
+        std::filesystem::path(QZPOLY_SOURCE_ASSETS),
+        get_program_folder() / QZPOLY_INSTALLED_ASSETS,
+    };
+    for (std::filesystem::path const& place : places) {
+        std::error_code error;
+        if (std::filesystem::is_regular_file(place / own_model_name, error)) {
+            return (place / own_model_name).string();
+        }
+    }
+    return {};
+}
+
+bool make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
+    bool const has_radii = values.size() == 5;
+    GMathVec3<double> const radii =
+        has_radii ? GMathVec3<double>(values[2], values[3], values[4]) : GMathVec3<double>(1, 1, 1);
+    mesh.mesh.reset(PolyHelpers::create_poly_sphere(static_cast<unsigned int>(values[0]),
+                                                    static_cast<unsigned int>(values[1]), radii));
+    mesh.name = "sphere";
+    mesh.kind = "procedural sphere";
+    return mesh.mesh != nullptr;
+}
+
+// The one place that tells kinds of file apart, always by their contents.
+bool load_file(std::string const& file, bool const& is_unchecked, ToolMesh& mesh) {
+    CoreString const path(std::string_view{file});
+    mesh.mesh = std::make_unique<PolyMesh>();
+    mesh.name = std::filesystem::path(file).stem().string();
+    mesh.kind = Lwo::is_valid(path) ? "LightWave object" : "Wavefront OBJ";
+    ToolProgress load_progress("loading");
+    AppProgressBar build_progress("building");
+    return mesh.mesh->import_from_file(path, CoreString(), 0.0, &load_progress.get_bar(),
+                                       is_unchecked ? nullptr : &build_progress);
+}
+
+void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
+    if (ResourceImportData const* const data = mesh.get_import_data()) {
+        for (CoreString const& warning : data->warnings) {
+            messages.warn(warning.get_view());
+        }
+    }
+}
+
+std::string check_sphere(std::string const& text) {
+    double value = 0;
+    bool const is_number = CLI::detail::lexical_cast(text, value);
+    return is_number && std::isfinite(value) ? std::string() : "not a finite number: " + text;
+}
+
+}  // namespace
+
+void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
+    CLI::Option* const file =
+        command.add_option("FILE", options.file, "Wavefront OBJ file or LightWave object");
+    command.add_flag("--no-check-quads", options.is_unchecked,
+                     "Keep every 4-gon as a quad, even one that is not convex");
+    if (need == ToolFileNeed::REQUIRED) {
+        file->required();
+        return;
+    }
+    command
+        .add_option("--sphere", options.sphere,
+                    "A sphere of S segments and R rings in place of a file, with its radii")
+        ->type_name("S R [RX RY RZ]")
+        ->expected(2, 5)
+        ->check(check_sphere)
+        ->excludes(file);
+}
+
+bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh,
+               int& status) {
+    ToolStopwatch const watch;
+    if (!options.sphere.empty()) {
+        double const largest = std::max(options.sphere[0], options.sphere[1]);
+        bool const is_complete = options.sphere.size() == 2 || options.sphere.size() == 5;
+        if (!is_complete || std::min(options.sphere[0], options.sphere[1]) < 0 ||
+            largest > largest_sphere_count) {
+            status = messages.fail(make_text("--sphere takes S and R, 0 to ", largest_sphere_count,
+                                             " each, and all three radii or none"));
+            return false;
+        }
+        make_sphere(options.sphere, mesh);
+        mesh.seconds = watch.get_seconds();
+        return true;
+    }
+    std::string const file = options.file.empty() ? find_own_model() : options.file;
+    if (file.empty()) {
+        status = messages.fail(make_text("the model ", own_model_name, " is not where it belongs"));
+        return false;
+    }
+    if (!load_file(file, options.is_unchecked, mesh) || is_interrupted()) {
+        status = messages.fail(make_text("cannot load ", std::string_view(file)));
+        return false;
+    }
+    show_import_warnings(*mesh.mesh, messages);
+    mesh.seconds = watch.get_seconds();
+    return true;
+}

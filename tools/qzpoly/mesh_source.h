@@ -1,0 +1,34 @@
+#pragma once
+
+#include <tools/qzpoly/messages.h>
+
+#include <poly/mesh/poly_mesh.h>
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// Which mesh a subcommand works on, as the command line tells it.
+struct ToolMeshOptions {
+    std::string file;
+    std::vector<double> sphere;  // segments, rings and perhaps three radii; empty: no sphere
+    bool is_unchecked = false;   // keeps every 4-gon as a quad, convex or not
+};
+
+struct ToolMesh {
+    std::unique_ptr<PolyMesh> mesh;
+    std::string name;    // of the file without folder and ending; what outputs are called after
+    std::string kind;    // of the file, in words
+    double seconds = 0;  // that loading and building took
+};
+
+enum class ToolFileNeed { REQUIRED, OPTIONAL };
+
+// Adds FILE and the options of loading; with an optional file also --sphere.
+void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need);
+
+// Loads what the options name, the project's own small model if they name nothing. False after the
+// reason has been shown and `status` set.
+bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh, int& status);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <tools/qzpoly/extent.h>
+#include <tools/qzpoly/messages.h>
+
+#include <poly/mesh/poly_mesh.h>
+
+#include <CLI/CLI.hpp>
+
+#include <string>
+#include <vector>
+
+// How a mesh moves while the shutter is open, as the command line tells it.
+struct ToolMotionOptions {
+    std::vector<std::string> frames;  // files of the mesh at several times
+    std::vector<double> times;        // one per frame; empty: 0, 1, 2, ...
+    bool is_spinning = false;         // by the usual angle
+    double spin_degrees = 0;          // about the vertical axis, per unit of time
+    std::vector<double> velocity;     // of all vertices
+    std::vector<double> shutter;      // opens, closes
+
+    bool has_velocities() const { return is_spinning || spin_degrees != 0 || !velocity.empty(); }
+};
+
+void add_motion_options(CLI::App& command, ToolMotionOptions& options);
+
+// Lets the mesh move. `shutter_times` are the evenly spaced times at which it is to be bounded,
+// none when it stands still. False after the reason has been shown and `status` set; the mesh is
+// then of no use. `vertical` is the unit axis of spinning.
+bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
+                ToolMessages& messages, PolyMesh& mesh, std::vector<double>& shutter_times,
+                int& status);

@@ -1,0 +1,31 @@
+#include <tools/qzpoly/program.h>
+
+#include <tools/qzpoly/commands.h>
+
+namespace {
+
+constexpr void (*s_commands[])(CLI::App& app, ToolSession& session) = {
+    &add_render_command,
+    &add_visible_command,
+    &add_info_command,
+};
+
+}  // namespace
+
+int run_program(int const& argument_count, char const* const* arguments) {
+    ToolSession session;
+    CLI::App app("Looks at polygon meshes: Wavefront OBJ files and LightWave objects", "qzpoly");
+    app.require_subcommand(1);
+    app.footer("Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.");
+    for (auto const add_command : s_commands) {
+        add_command(app, session);
+    }
+    try {
+        app.parse(argument_count, arguments);
+    } catch (CLI::ParseError const& fault) {
+        return app.exit(fault) == 0 ? tool_success : tool_wrong_usage;
+    } catch (std::exception const& fault) {
+        return session.messages.fail(fault.what());
+    }
+    return session.status;
+}

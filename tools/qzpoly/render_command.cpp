@@ -1,0 +1,179 @@
+#include <tools/qzpoly/commands.h>
+
+#include <tools/qzpoly/camera.h>
+#include <tools/qzpoly/hit_search.h>
+#include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/motion.h>
+#include <tools/qzpoly/renderer.h>
+#include <tools/qzpoly/stopwatch.h>
+#include <tools/qzpoly/terminal.h>
+
+#include <cstdio>
+#include <thread>
+
+namespace {
+
+constexpr unsigned int usual_sample_count = 12;
+constexpr unsigned int usual_moving_sample_count = 32;
+
+struct RenderOptions {
+    ToolMeshOptions mesh;
+    ToolCameraOptions camera;
+    ToolMotionOptions motion;
+    ToolRenderSettings settings;
+    std::string shade_mode = get_shade_modes()[0].name;
+    std::string output;
+    unsigned int samples = 0;  // 0: the usual number
+    bool is_exact = false;
+    bool is_brute_force = false;
+};
+
+void add_picture_options(CLI::App& command, RenderOptions& options) {
+    std::vector<std::string> names;
+    std::string meanings = "Colors:";
+    for (ToolShadeMode const& mode : get_shade_modes()) {
+        names.emplace_back(mode.name);
+        meanings += make_text(meanings.back() == ':' ? " " : "; ", mode.name, ": ", mode.meaning);
+    }
+    command.add_option("-o,--output", options.output, "PNG file [FILE's name.png]");
+    command.add_option("--shade", options.shade_mode, meanings)
+        ->check(CLI::IsMember(names))
+        ->capture_default_str();
+    command.add_option("--uv-map", options.settings.uv_map, "Number of the uv map, from 0");
+    command.add_option("--color-map", options.settings.color_map,
+                       "Number of the color map, from 0");
+    command.add_flag("--edges", options.settings.has_edges, "Draw the edges of polygons");
+    command.add_flag("--exact", options.is_exact, "Test rays without a tolerance at edges");
+    command.add_option("--samples", options.samples, "Rays for a pixel [12; in motion 32]")
+        ->check(CLI::Range(1u, 4096u));
+    command.add_option("--threads", options.settings.thread_count, "Render threads [all cores]")
+        ->check(CLI::Range(1u, 1024u));
+    // Asks every primitive for every ray: what any faster search must give.
+    command.add_flag("--brute-force", options.is_brute_force)->group("");
+}
+
+// Says so if something was asked for that the mesh does not have.
+bool check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages& messages) {
+    struct Row {
+        char const* option;
+        unsigned int map;
+        unsigned int count;
+    };
+    for (Row const& row :
+         {Row{"--uv-map", options.settings.uv_map, mesh.get_uv_map_count()},
+          Row{"--color-map", options.settings.color_map, mesh.get_color_map_count()}}) {
+        if (row.map != 0 && row.map >= row.count) {
+            messages.fail(make_text(row.option, " ", row.map, ": the mesh has ", row.count));
+            return false;
+        }
+    }
+    if (options.shade_mode == "uv" && mesh.get_uv_map_count() == 0) {
+        messages.warn("the mesh has no uv map");
+    }
+    if (options.shade_mode == "color" && mesh.get_color_map_count() == 0) {
+        messages.warn("the mesh has no color map");
+    }
+    return true;
+}
+
+CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {
+    return shutter_times.empty()
+               ? CtxShader()
+               : CtxShader(CtxMotionBlur(GMathTimeSampling(CoreBasicArray<double>(
+                     shutter_times.data(), static_cast<unsigned int>(shutter_times.size())))));
+}
+
+GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
+    return gmath_unit(GMathVec3<double>(options.up[0], options.up[1], options.up[2]));
+}
+
+ToolRenderSettings make_settings(RenderOptions const& options,
+                                 std::vector<double> const& shutter_times) {
+    ToolRenderSettings settings = options.settings;
+    settings.shade_mode = find_shade_mode(options.shade_mode);
+    settings.samples_per_pixel = options.samples != 0       ? options.samples
+                                 : shutter_times.size() > 1 ? usual_moving_sample_count
+                                                            : usual_sample_count;
+    if (!shutter_times.empty()) {
+        settings.shutter_open = shutter_times.front();
+        settings.shutter_close = shutter_times.back();
+    }
+    return settings;
+}
+
+// Draws the mesh; false after the reason has been shown.
+bool draw(RenderOptions const& options, PolyMesh const& mesh,
+          std::vector<double> const& shutter_times, ToolMessages& messages, ToolImage& image) {
+    CtxShader const shader_ctx = make_shader_ctx(shutter_times);
+    CtxEval const ctx(&shader_ctx);
+    ToolExtent const extent = compute_extent(mesh, ctx, shutter_times);
+    ToolCamera camera;
+    if (!make_camera(options.camera, extent, messages, camera)) {
+        return false;
+    }
+    ToolRenderSettings const settings = make_settings(options, shutter_times);
+    std::unique_ptr<ToolHitSearch> search;
+    if (extent.primitive_boxes.empty()) {
+        messages.warn("there is nothing to draw: the mesh has no primitives in reach");
+    } else {
+        ToolSearchSettings const search_settings = {
+            options.is_exact ? GeometryRaytraceCtx::TEST_EXACT : GeometryRaytraceCtx::TEST_TOLERANT,
+            shutter_times};
+        search = options.is_brute_force ? make_plain_search(mesh, ctx, search_settings)
+                                        : make_embree_search(mesh, ctx, search_settings,
+                                                             settings.thread_count, messages);
+        if (search == nullptr) {
+            return false;
+        }
+    }
+    ToolProgress progress("rendering");
+    if (!render(mesh, extent, search.get(), ctx, camera, settings, progress.get_bar(), image)) {
+        messages.fail("stopped");
+        return false;
+    }
+    return true;
+}
+
+int run_render(RenderOptions& options, ToolMessages& messages) {
+    ToolStopwatch const watch;
+    int status = tool_failure;
+    ToolMesh mesh;
+    if (!options.motion.frames.empty()) {
+        options.mesh.file = options.motion.frames[0];
+    }
+    std::vector<double> shutter_times;
+    ToolImage image;
+    if (!load_mesh(options.mesh, messages, mesh, status) ||
+        !set_motion(options.motion, get_vertical(options.camera), messages, *mesh.mesh,
+                    shutter_times, status)) {
+        return status;
+    }
+    if (!check_maps(options, *mesh.mesh, messages) ||
+        !draw(options, *mesh.mesh, shutter_times, messages, image)) {
+        return is_interrupted() ? tool_interrupted : tool_failure;
+    }
+    std::string const path = options.output.empty() ? mesh.name + ".png" : options.output;
+    std::string reason;
+    if (!write_png(image, path, reason)) {
+        return messages.fail(
+            make_text("cannot write ", std::string_view(path), ": ", std::string_view(reason)));
+    }
+    std::printf("%s: %u x %u, %u primitives, %.2f s\n", path.c_str(), image.width, image.height,
+                mesh.mesh->get_primitive_count(), watch.get_seconds());
+    return tool_success;
+}
+
+}  // namespace
+
+void add_render_command(CLI::App& app, ToolSession& session) {
+    auto const options = std::make_shared<RenderOptions>();
+    options->settings.thread_count = std::max(1u, std::thread::hardware_concurrency());
+    CLI::App* const command = app.add_subcommand("render", "Render a picture");
+    add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
+    add_picture_options(*command, *options);
+    add_camera_options(*command, options->camera);
+    add_motion_options(*command, options->motion);
+    command->get_option("--frames")->excludes(command->get_option("FILE"));
+    command->callback(
+        [options, &session] { session.status = run_render(*options, session.messages); });
+}

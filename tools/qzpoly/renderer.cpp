@@ -1,0 +1,225 @@
+#include <tools/qzpoly/renderer.h>
+
+#include <tools/qzpoly/edges.h>
+#include <tools/qzpoly/ground.h>
+#include <tools/qzpoly/lighting.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+namespace {
+
+constexpr unsigned int tile_size = 16;
+constexpr float edge_shade = 0.12f;  // what edges leave of the color beneath
+
+// Where in its pixel a sample lies: the plastic-number sequence, which fills a square evenly.
+double get_offset(unsigned int const& sample, double const& step) {
+    double const value = 0.5 + sample * step;
+    return value - std::floor(value);
+}
+
+// A number in [0, 1) by pixel, so that neighbours look at different times.
+double get_pixel_phase(unsigned int const& x, unsigned int const& y) {
+    unsigned int h = x * 0x9E3779B1u ^ y * 0x85EBCA77u;
+    h = (h ^ (h >> 15)) * 0x2C1B3C6Du;
+    h = (h ^ (h >> 12)) * 0x297A2D39u;
+    return (h >> 8) * (1.0 / 16777216.0);
+}
+
+// Lets bright light run out towards white.
+float soften(float const& value) {
+    constexpr float knee = 0.7f;
+    constexpr float rest = 1.0f - knee;
+    return value < knee ? value : knee + rest * (1.0f - std::exp((knee - value) / rest));
+}
+
+ToolColor get_background(double const& height) {
+    float const f = static_cast<float>(height);
+    return from_display(0.93f - 0.13f * f, 0.93f - 0.10f * f, 0.93f - 0.07f * f);
+}
+
+// Everything that the threads share; they only read it, but for the tiles.
+class Renderer {
+  public:
+    Renderer(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,
+             ToolCamera const& camera, ToolRenderSettings const& settings)
+        : m_geometry(geometry),
+          m_search(search),
+          m_camera(camera),
+          m_settings(settings),
+          m_ground(extent, camera),
+          m_lighting(camera, settings.samples_per_pixel, m_ground.get_size()) {}
+
+    void draw_pixel(CtxEval const& ctx, unsigned int const& x, unsigned int const& y,
+                    ToolImage& image) const {
+        ToolColor sum(0, 0, 0);
+        for (unsigned int sample = 0; sample < m_settings.samples_per_pixel; ++sample) {
+            sum += trace(ctx, x, y, sample);
+        }
+        image.set_pixel(x, y, sum / static_cast<float>(m_settings.samples_per_pixel));
+    }
+
+  private:
+    ToolColor trace(CtxEval const& ctx, unsigned int const& x, unsigned int const& y,
+                    unsigned int const& sample) const {
+        double const px = x + get_offset(sample, 0.7548776662466927);
+        double const py = y + get_offset(sample, 0.5698402909980532);
+        GeometryRay ray;
+        ray.ray = m_camera.make_ray(px, py);
+        ray.time = get_time(x, y, sample);
+        GeometryHit hit;
+        if (m_search != nullptr && m_search->find_nearest(ctx, ray, hit)) {
+            return shade(ctx, ray, hit, px, py, {x, y, sample});
+        }
+        ToolColor const background = get_background(1 - py / m_camera.height);
+        return background * get_ground_share(ctx, ray, {x, y, sample});
+    }
+
+    double get_time(unsigned int const& x, unsigned int const& y,
+                    unsigned int const& sample) const {
+        double const place = (sample + get_pixel_phase(x, y)) / m_settings.samples_per_pixel;
+        return m_settings.shutter_open +
+               (m_settings.shutter_close - m_settings.shutter_open) * place;
+    }
+
+    float get_ground_share(CtxEval const& ctx, GeometryRay const& ray,
+                           ToolLighting::Place const& place) const {
+        GMathVec3<double> position;
+        float strength = 0;
+        if (m_search == nullptr || !m_settings.shade_mode->is_lit ||
+            !m_ground.find(ray.ray, position, strength)) {
+            return 1;
+        }
+        float const share =
+            m_lighting.compute_ground_share(*m_search, ctx, position, ray.time, place);
+        return 1 + (share - 1) * strength;
+    }
+
+    ToolColor shade(CtxEval const& ctx, GeometryRay const& ray, GeometryHit const& hit,
+                    double const& px, double const& py, ToolLighting::Place const& place) const {
+        GeometryFragment fragment;
+        fragment.primitive_index = hit.primitive_index;
+        fragment.s = hit.s;
+        fragment.t = hit.t;
+        fragment.time = ray.time;
+        GeometrySample surface;
+        m_geometry.compute_fragment_sample(ctx, fragment, surface);
+
+        GMathVec3<double> const to_viewer = -ray.ray.get_direction();
+        GMathVec3<double> flat(surface.get_geometric_normal());
+        GMathVec3<double> normal(surface.get_shading_normal());
+        bool const is_front = gmath_dot(flat, to_viewer) >= 0;
+        if (!is_front) {
+            flat = -flat;
+            normal = -normal;
+        }
+        // Normals that are zero or no numbers, as those of broken surfaces.
+        flat = gmath_length(flat) > 0.5 ? flat : to_viewer;
+        normal = gmath_length(normal) > 0.5 ? normal : flat;
+
+        ToolColor color = m_settings.shade_mode->get_color(
+            {m_geometry, ctx, fragment, normal, is_front, m_settings.uv_map, m_settings.color_map});
+        if (m_settings.shade_mode->is_lit) {
+            ToolColor const light =
+                m_lighting.compute(*m_search, ctx, get_shadow_start(surface, flat, is_front),
+                                   normal, flat, ray.time, place);
+            color = {soften(color.x * light.x), soften(color.y * light.y),
+                     soften(color.z * light.z)};
+        }
+        if (m_settings.has_edges) {
+            float const cover = compute_edge_cover(m_geometry, ctx, fragment, m_camera, px, py);
+            color = color * (1 - cover * (1 - edge_shade));
+        }
+        return color;
+    }
+
+    // The smooth surface bulges over the flat one, so shadows from it do not show the primitives.
+    static GMathVec3<double> get_shadow_start(GeometrySample const& surface,
+                                              GMathVec3<double> const& flat, bool const& is_front) {
+        GMathVec3<double> const position(surface.get_position());
+        GMathVec3<double> const smooth(surface.get_smooth_position());
+        double const bulge = gmath_dot(smooth - position, flat);
+        return is_front && bulge > 0 ? position + flat * bulge : position;
+    }
+
+    GeometryObject const& m_geometry;
+    ToolHitSearch const* m_search;
+    ToolCamera const& m_camera;
+    ToolRenderSettings const& m_settings;
+    ToolGround m_ground;
+    ToolLighting m_lighting;
+};
+
+// Hands out the tiles of a picture.
+class Tiles {
+  public:
+    Tiles(unsigned int const& width, unsigned int const& height)
+        : m_width(width),
+          m_height(height),
+          m_columns((width + tile_size - 1) / tile_size),
+          m_count(m_columns * ((height + tile_size - 1) / tile_size)) {}
+
+    unsigned int const& get_count() const { return m_count; }
+    unsigned int get_started_count() const { return std::min(m_next.load(), m_count); }
+    void stop() { m_next.store(m_count); }
+
+    template <typename DrawPixel>
+    bool draw_next(DrawPixel const& draw_pixel) {
+        unsigned int const tile = m_next.fetch_add(1);
+        if (tile >= m_count) {
+            return false;
+        }
+        unsigned int const left = tile % m_columns * tile_size;
+        unsigned int const top = tile / m_columns * tile_size;
+        for (unsigned int y = top; y < std::min(top + tile_size, m_height); ++y) {
+            for (unsigned int x = left; x < std::min(left + tile_size, m_width); ++x) {
+                draw_pixel(x, y);
+            }
+        }
+        return true;
+    }
+
+  private:
+    unsigned int m_width;
+    unsigned int m_height;
+    unsigned int m_columns;
+    unsigned int m_count;
+    std::atomic<unsigned int> m_next{0};
+};
+
+}  // namespace
+
+bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,
+            CtxEval const& ctx, ToolCamera const& camera, ToolRenderSettings const& settings,
+            AppProgressBar& progress, ToolImage& image) {
+    image = ToolImage(camera.width, camera.height);
+    Renderer const renderer(geometry, extent, search, camera, settings);
+    Tiles tiles(camera.width, camera.height);
+    auto const draw_tile = [&](CtxEval const& thread_ctx) {
+        return tiles.draw_next([&](unsigned int const& x, unsigned int const& y) {
+            renderer.draw_pixel(thread_ctx, x, y, image);
+        });
+    };
+    std::vector<std::jthread> helpers;
+    for (unsigned int i = 1; i < settings.thread_count; ++i) {
+        helpers.emplace_back([&] {
+            CtxEval const thread_ctx(ctx.get_shader_ctx());
+            while (draw_tile(thread_ctx)) {
+            }
+        });
+    }
+    progress.start();
+    progress.set_step_count(tiles.get_count());
+    while (draw_tile(ctx)) {
+        progress.step(tiles.get_started_count());
+        if (progress.is_stop_requested()) {
+            tiles.stop();
+        }
+    }
+    helpers.clear();  // joins them
+    bool const is_complete = !progress.is_stop_requested();
+    progress.finish();
+    return is_complete;
+}

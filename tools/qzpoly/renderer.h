@@ -1,0 +1,26 @@
+#pragma once
+
+#include <tools/qzpoly/camera.h>
+#include <tools/qzpoly/hit_search.h>
+#include <tools/qzpoly/image.h>
+#include <tools/qzpoly/shading.h>
+
+#include <platform/qz_app_base.h>
+
+struct ToolRenderSettings {
+    ToolShadeMode const* shade_mode = nullptr;
+    unsigned int uv_map = 0;
+    unsigned int color_map = 0;
+    bool has_edges = false;
+    unsigned int samples_per_pixel = 1;
+    unsigned int thread_count = 1;
+    double shutter_open = 0;  // sample times lie between these
+    double shutter_close = 0;
+};
+
+// Draws a geometry before a plain background; a lit one stands on the ground. The picture does not
+// depend on the number of threads. Null `search`: nothing but the background. `ctx` has the
+// shutter. False when `progress` was asked to stop.
+bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,
+            CtxEval const& ctx, ToolCamera const& camera, ToolRenderSettings const& settings,
+            AppProgressBar& progress, ToolImage& image);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <platform/qz_app_base.h>
+
+// The progress bar of one operation, drawn on the last line of stderr when that is a terminal. It
+// exists and is stopped by Ctrl-C whether it is drawn or not. One at a time.
+class ToolProgress {
+  public:
+    explicit ToolProgress(char const* label);
+    ~ToolProgress();
+    ToolProgress(ToolProgress const&) = delete;
+    ToolProgress& operator=(ToolProgress const&) = delete;
+
+    AppProgressBar& get_bar() { return m_bar; }
+
+  private:
+    AppProgressBar m_bar;
+};
+
+// From now on, the first Ctrl-C asks the operation under way to stop; the second one kills.
+void catch_interrupts();
+bool is_interrupted();
+
+// Wipes what a progress bar has drawn, before something else is written to stderr.
+void clear_progress_line();

@@ -1,0 +1,70 @@
+#include <tools/qzpoly/commands.h>
+
+#include <tools/qzpoly/camera.h>
+#include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/visibility.h>
+
+#include <cstdio>
+
+namespace {
+
+struct VisibleOptions {
+    ToolMeshOptions mesh;
+    ToolCameraOptions camera;
+    double near = 0;
+    double far = 0;  // 0: behind everything
+    bool is_checked = false;
+};
+
+bool check(ToolVisibility const& found, PolyMesh const& mesh, ToolFrustum const& frustum,
+           ToolMessages& messages) {
+    ToolVisibility const plain = count_visible_plainly(mesh, frustum);
+    if (found == plain) {
+        std::printf("checked: the plain count is the same\n");
+        return true;
+    }
+    messages.fail(make_text("the plain count differs: ", plain.overlapping_count, " overlapping, ",
+                            plain.contained_count, " contained, ", plain.vertex_count,
+                            " vertices"));
+    return false;
+}
+
+int run_visible(VisibleOptions const& options, ToolMessages& messages) {
+    int status = tool_failure;
+    ToolMesh mesh;
+    if (!load_mesh(options.mesh, messages, mesh, status)) {
+        return status;
+    }
+    CtxEval const ctx;
+    ToolCamera camera;
+    if (!make_camera(options.camera, compute_extent(*mesh.mesh, ctx, {}), messages, camera)) {
+        return tool_failure;
+    }
+    ToolFrustum const frustum = make_frustum(camera, options.near, options.far);
+    ToolVisibility const found = count_visible(*mesh.mesh, ctx, frustum);
+    std::printf("%u primitives: %u overlap the view, %u lie within it\n"
+                "%u vertices: %u belong to overlapping primitives\n",
+                mesh.mesh->get_primitive_count(), found.overlapping_count, found.contained_count,
+                mesh.mesh->get_vertex_count(), found.vertex_count);
+    return !options.is_checked || check(found, *mesh.mesh, frustum, messages) ? tool_success
+                                                                              : tool_failure;
+}
+
+}  // namespace
+
+void add_visible_command(CLI::App& app, ToolSession& session) {
+    auto const options = std::make_shared<VisibleOptions>();
+    CLI::App* const command =
+        app.add_subcommand("visible", "Count what a camera sees, hidden or not");
+    add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
+    add_camera_options(*command, options->camera);
+    command->add_option("--near", options->near, "Distance where the view begins")
+        ->check(CLI::NonNegativeNumber)
+        ->group("Camera");
+    command->add_option("--far", options->far, "Distance where it ends [behind everything]")
+        ->check(CLI::PositiveNumber)
+        ->group("Camera");
+    command->add_flag("--check", options->is_checked, "Count once more in the plain way");
+    command->callback(
+        [options, &session] { session.status = run_visible(*options, session.messages); });
+}
