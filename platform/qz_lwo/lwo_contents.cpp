@@ -68,8 +68,7 @@ bool lwo_read_contents(LwoForm const& form, CoreString const& item_name, LwoCont
     LwoChunk chunk;
     LwoChunk last;
     unsigned long long index_limit = 0;
-    LwoByteReader position = form.chunks;
-    LwoProgress progress(report, position);
+    LwoProgress progress(report, form.chunks);
     for (; chunks.next(chunk); last = chunk) {
         bool is_good = true;
         if (layers.is_layer(chunk)) {

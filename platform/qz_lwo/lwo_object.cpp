@@ -48,16 +48,17 @@ bool read_chunks(LwoForm const& form, CoreString const& item_name, Parts const& 
     LwoLayers layers(form, item_name);
     LwoChunkReader chunks(form.chunks);
     LwoChunk chunk;
+    LwoProgress progress(report, form.chunks);
     while (chunks.next(chunk)) {
-        bool is_good = report.advance(0);
-        if (is_good && layers.is_layer(chunk)) {
+        bool is_good = true;
+        if (layers.is_layer(chunk)) {
             parts.polygons.begin_layer();
             is_good = layers.enter(chunk, report);
-        } else if (is_good && layers.is_chosen()) {
+        } else if (layers.is_chosen()) {
             is_good = form.is_old() ? read_old_chunk(chunk, parts, report)
                                     : read_chunk(chunk, parts, report);
         }
-        if (!is_good) {
+        if (!is_good || !progress.step()) {
             return false;
         }
     }

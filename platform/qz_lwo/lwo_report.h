@@ -60,7 +60,8 @@ class LwoReport {
     Places m_warnings[WARNING_COUNT];
 };
 
-// Tells the report every now and then how far `data` has been read.
+// Tells the report every now and then how far `data` has been read. Data that stay where they are
+// add nothing, but a stop request is heard.
 class LwoProgress {
   public:
     // Both are kept by reference.
