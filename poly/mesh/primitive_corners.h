@@ -30,6 +30,22 @@ inline unsigned int get_primitive_corner_ids(PolyMeshTopology const& topology,
     return 4;
 }
 
+// The corner ids of three of the primitive's corners, given by their numbers.
+inline void get_primitive_corner_ids(PolyMeshTopology const& topology,
+                                     unsigned int const& primitive,
+                                     unsigned int const (&corners)[3], unsigned int (&ids)[3]) {
+    unsigned int const info = topology.primitive_infos[primitive];
+    unsigned int const offset = topology.primitive_index_offsets[primitive];
+    ids[0] = offset + corners[0];
+    ids[1] = offset + corners[1];
+    ids[2] = offset + corners[2];
+    if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
+        ids[0] = topology.triangle_indices[ids[0]];
+        ids[1] = topology.triangle_indices[ids[1]];
+        ids[2] = topology.triangle_indices[ids[2]];
+    }
+}
+
 // The same with the vertices of the corners.
 inline unsigned int get_primitive_vertices(PolyMeshTopology const& topology,
                                            unsigned int const& primitive, unsigned int* vertices) {

@@ -8,18 +8,19 @@
 // An attribute of a polygon mesh: items of any length and value type, by vertex, polygon corner or
 // polygon, or one for all.
 //
-//     PolyMeshProperty density(mesh, PolyMeshProperty::TYPE_VERTEX, ResourceProperty::TYPE_FLOAT, 1,
-//                              mesh.get_vertex_count(), 0, "density", GMathTimeSampling(0.0), true);
+//     PolyMeshProperty density(mesh, PolyMeshProperty::TYPE_VERTEX, ResourceProperty::TYPE_FLOAT,
+//                              1, mesh.get_vertex_count(), 0, "density", GMathTimeSampling(0.0),
+//                              true);
 //     density.init(0, block);  // a new ResourceProperty with an item per vertex
 //     density.evaluate(ctx, fragment, &value, nullptr, nullptr, nullptr, 1);
 //
 // The mesh is not owned; it must outlive the property and keep its polygons.
 //
-// |                   | blocks                        | who deletes the blocks                       |
-// |-------------------|-------------------------------|----------------------------------------------|
-// | construction      | none                          | the property, if it was told to own them     |
-// | copy construction | the source's, not copies      | both, if the source owns them                |
-// | destruction       | deleted if owned              |                                              |
+// |                   | blocks                   | who deletes the blocks                    |
+// |-------------------|--------------------------|-------------------------------------------|
+// | construction      | none                     | the property, if it was told to own them  |
+// | copy construction | the source's, not copies | both, if the source owns them             |
+// | destruction       | deleted if owned         |                                           |
 //
 // Deliberate: a copy keeps the flag of ownership, so the caller must see to it that only one of
 // two owners is left to delete the blocks they share.

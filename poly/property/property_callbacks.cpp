@@ -5,6 +5,7 @@
 #include <poly/render/surface_weights.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 namespace {
@@ -47,16 +48,49 @@ unsigned int give_item(ResourceProperty const& block, unsigned int const& item, 
     return count;
 }
 
+// Replaces numbers by what an array holds there. Spelt out, so that all stays in registers.
+template <typename Array>
+void map_through(Array const& array, unsigned int (&numbers)[3]) {
+    numbers[0] = array[numbers[0]];
+    numbers[1] = array[numbers[1]];
+    numbers[2] = array[numbers[2]];
+}
+
 // The numbers of the items at the corners of one triangle of a primitive.
-void get_corner_items(PolyMeshProperty const& property, PolyMeshTopology const& topology,
-                      unsigned int const& primitive, SurfaceTriangle const& triangle,
-                      unsigned int (&items)[3]) {
-    unsigned int ids[3];
-    get_surface_corner_ids(topology, primitive, triangle, ids);
-    CoreBasicArray<unsigned int> const& indices = property.get_indices();
-    for (unsigned int k = 0; k < 3; ++k) {
-        items[k] = indices.is_empty() ? topology.polygon_vertex_indices[ids[k]] : indices[ids[k]];
+inline void get_corner_items(PolyMeshProperty const& property, PolyMeshTopology const& topology,
+                             unsigned int const& primitive, SurfaceTriangle const& triangle,
+                             unsigned int (&items)[3]) {
+    get_surface_corner_ids(topology, primitive, triangle, items);
+    if (property.has_indices()) {
+        map_through(property.get_indices(), items);
+    } else {
+        map_through(topology.polygon_vertex_indices, items);
     }
+}
+
+// The elements of three items. Returns how many all of them have, at most `max_count`; `x` may be
+// left alone when that is 0. Items of one length lie one after the other.
+template <typename Element>
+inline unsigned int get_item_elements(ResourceProperty const& block, unsigned int const (&items)[3],
+                                      unsigned int const& max_count, Element const* (&x)[3]) {
+    unsigned int count = max_count;
+    if (block.has_offsets()) {
+        for (unsigned int k = 0; k < 3; ++k) {
+            count = std::min(count, block.get_item_length(items[k]));
+            x[k] = get_elements<Element>(block, items[k]);
+        }
+        return count;
+    }
+    unsigned int const item_count = block.get_item_count();
+    if (items[0] >= item_count || items[1] >= item_count || items[2] >= item_count) {
+        return 0;
+    }
+    std::size_t const extent = block.get_item_length(0);
+    Element const* const first = get_elements<Element>(block, 0);
+    x[0] = first + items[0] * extent;
+    x[1] = first + items[1] * extent;
+    x[2] = first + items[2] * extent;
+    return std::min(count, block.get_item_length(0));
 }
 
 template <typename Element, typename Output>
@@ -79,16 +113,15 @@ unsigned int interpolate(GeometryProperty const& property, CtxEval const&,
         compute_property_weights(is_quad(topology, primitive), fragment.s, fragment.t);
     unsigned int items[3];
     get_corner_items(poly_property, topology, primitive, *weights.triangle, items);
-
-    using Real = PropertyReal<Element>;
-    unsigned int count = max_count;
     Element const* x[3];
-    for (unsigned int k = 0; k < 3; ++k) {
-        count = std::min(count, block.get_item_length(items[k]));
-        x[k] = get_elements<Element>(block, items[k]);
+    unsigned int const count = get_item_elements(block, items, max_count, x);
+    if (count == 0) {
+        return 0;
     }
     Element const* const s_start = x[weights.triangle->s_start];
     Element const* const t_start = x[weights.triangle->t_start];
+
+    using Real = PropertyReal<Element>;
     give(values, count, [&](unsigned int const& k) {
         Real const reals[3] = {get_property_real<Real>(x[0][k]), get_property_real<Real>(x[1][k]),
                                get_property_real<Real>(x[2][k])};

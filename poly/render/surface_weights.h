@@ -93,9 +93,5 @@ inline SurfaceWeights compute_property_weights(bool const& is_quad, double const
 // Writes the corner ids of c0, c1, c2.
 inline void get_surface_corner_ids(PolyMeshTopology const& topology, unsigned int const& primitive,
                                    SurfaceTriangle const& triangle, unsigned int (&ids)[3]) {
-    unsigned int all_ids[4];
-    get_primitive_corner_ids(topology, primitive, all_ids);
-    for (unsigned int k = 0; k < 3; ++k) {
-        ids[k] = all_ids[triangle.corners[k]];
-    }
+    get_primitive_corner_ids(topology, primitive, triangle.corners, ids);
 }
