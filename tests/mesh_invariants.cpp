@@ -2,8 +2,7 @@
 
 #include <poly/mesh/map_entries.h>
 
-#include <algorithm>
-#include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -11,238 +10,186 @@ namespace {
 
 constexpr unsigned int absent = 0xFFFFFFFFu;
 
-// Each check returns its message when `is_broken`; the numbers name the place.
-#define CHECK_THAT(holds, ...)                                                                     \
-    if (!(holds)) {                                                                                \
-        return describe(#holds, {__VA_ARGS__});                                                    \
-    }
-
-std::string describe(std::string text, std::vector<unsigned int> const& places) {
-    text += " does not hold";
-    for (unsigned int const place : places) {
-        text += " " + std::to_string(place);
-    }
-    return text;
+std::string describe(std::string const& text, unsigned int const& place) {
+    return text + " does not hold at " + std::to_string(place);
 }
 
-class Checker {
-  public:
-    Checker(PolyMesh const& mesh, bool const& edges_are_built)
-        : m_mesh(mesh),
-          m_topology(mesh.get_topology()),
-          m_geometry(mesh.get_geometry()),
-          m_points(mesh.get_point_cloud()->get_data()),
-          m_corner_count(m_topology.polygon_vertex_indices.get_count()),
-          m_primitive_count(m_topology.primitive_infos.get_count()),
-          m_edges_are_built(edges_are_built) {}
-
-    std::string check() {
-        for (auto const step :
-             {&Checker::check_lengths, &Checker::check_polygons, &Checker::check_support,
-              &Checker::check_boxes, &Checker::check_maps}) {
-            std::string const broken = (this->*step)();
-            if (!broken.empty()) {
-                return broken;
-            }
-        }
-        return {};
+// Leaves a check that finds something broken; `place` is the number of the entry.
+#define CHECK_AT(place, holds)                                                                     \
+    if (!(holds)) {                                                                                \
+        return describe(#holds, place);                                                            \
     }
 
-  private:
+struct Checker {
+    PolyMesh const& mesh;
+    bool edges_are_built;
+    PolyMeshTopology const& t = mesh.get_topology();
+    PolyMeshGeometry const& g = mesh.get_geometry();
+    GeometryPointCloudData const& points = mesh.get_point_cloud()->get_data();
+    unsigned int vertex_count = points.point_count;
+    unsigned int corner_count = t.polygon_vertex_indices.get_count();
+    unsigned int primitive_count = t.primitive_infos.get_count();
+    unsigned int group_count = t.shading_group_names.get_count();
+
+    // Where the walk over the polygons has come to.
+    unsigned int first = 0;
+    unsigned int primitive = 0;
+    unsigned int cut_corner = 0;
+    unsigned int quad_count = 0;
+    std::vector<GMathBbox3<float>> boxes = {};
+
     std::string check_lengths() {
-        unsigned int const n = m_points.point_count;
-        unsigned int const group_count = m_topology.shading_group_names.get_count();
-        bool const is_built = !m_points.support_geometries.is_empty();
-        CHECK_THAT(is_built || n == 0)
-        CHECK_THAT(m_points.positions.get_count() == n)
-        CHECK_THAT(m_points.normals.get_count() == n)
-        CHECK_THAT(m_points.velocities.is_empty() || m_points.velocities.get_count() == n)
-        CHECK_THAT(m_points.support_geometries.get_count() <= 1)
-        CHECK_THAT(m_points.geometry_indices.is_empty())
-        CHECK_THAT(m_points.primitive_indices.get_count() == n)
-        CHECK_THAT(m_points.primitive_uvs.get_count() == n)
-        CHECK_THAT(m_topology.polygon_shading_groups.get_count() >=
-                   m_topology.polygon_vertex_count.get_count())
-        CHECK_THAT(m_topology.primitive_index_offsets.get_count() == m_primitive_count)
-        CHECK_THAT(m_topology.primitive_polygon_indices.get_count() == m_primitive_count)
-        CHECK_THAT(m_topology.primitive_shading_groups.get_count() == m_primitive_count)
-        CHECK_THAT(m_geometry.shading_group_bbox.get_count() == group_count)
-        CHECK_THAT(m_geometry.shading_group_normals.get_count() == group_count)
-        CHECK_THAT(m_topology.uv_map_compression_mode <= 2)
-        CHECK_THAT(n != 0 || m_mesh.get_hash_key() == CoreHash::null_key())
+        CHECK_AT(0, points.positions.get_count() == vertex_count)
+        CHECK_AT(0, points.normals.get_count() == vertex_count)
+        CHECK_AT(0, points.velocities.is_empty() || points.velocities.get_count() == vertex_count)
+        CHECK_AT(0, points.support_geometries.get_count() == 1 || vertex_count == 0)
+        CHECK_AT(0, points.primitive_indices.get_count() == vertex_count)
+        CHECK_AT(0, points.primitive_uvs.get_count() == vertex_count)
+        CHECK_AT(0, t.polygon_shading_groups.get_count() >= t.polygon_vertex_count.get_count())
+        CHECK_AT(0, t.primitive_index_offsets.get_count() == primitive_count)
+        CHECK_AT(0, t.primitive_polygon_indices.get_count() == primitive_count)
+        CHECK_AT(0, t.primitive_shading_groups.get_count() == primitive_count)
+        CHECK_AT(0, g.shading_group_bbox.get_count() == group_count)
+        CHECK_AT(0, g.shading_group_normals.get_count() == group_count)
+        CHECK_AT(0, vertex_count != 0 || mesh.get_hash_key() == CoreHash::null_key())
+        for (unsigned int corner = 0; corner < corner_count; ++corner) {
+            CHECK_AT(corner, t.polygon_vertex_indices[corner] < vertex_count)
+        }
         return {};
     }
 
     std::string check_polygons() {
-        for (unsigned int corner = 0; corner < m_corner_count; ++corner) {
-            CHECK_THAT(m_topology.polygon_vertex_indices[corner] < m_points.point_count, corner)
-        }
-        unsigned long long corner_count = 0;
-        for (unsigned int i = 0; i < m_topology.polygon_vertex_count.get_count(); ++i) {
-            corner_count += m_topology.polygon_vertex_count[i];
-            CHECK_THAT(corner_count <= m_corner_count, i)
-            std::string const broken = check_polygon(i, m_topology.polygon_vertex_count[i]);
+        boxes.resize(group_count, GMathBbox3<float>::get_inverted());
+        for (unsigned int polygon = 0; polygon < t.polygon_vertex_count.get_count(); ++polygon) {
+            unsigned int const n = t.polygon_vertex_count[polygon];
+            unsigned int const group = t.polygon_shading_groups[polygon];
+            CHECK_AT(polygon, n <= corner_count - first)
+            std::string const broken = n < 3 ? std::string() : check_polygon(polygon, n);
             if (!broken.empty()) {
                 return broken;
             }
-            m_first += m_topology.polygon_vertex_count[i];
+            for (unsigned int const end = first + n; first < end; ++first) {
+                auto const& position = points.positions[t.polygon_vertex_indices[first]];
+                if (group < group_count && gmath_isfinite(position)) {
+                    boxes[group].extend(position);
+                }
+            }
         }
-        CHECK_THAT(m_primitive == m_primitive_count)
-        CHECK_THAT(m_cut_corner == m_topology.triangle_indices.get_count())
-        CHECK_THAT(m_topology.triangle_count + m_topology.quad_count == m_primitive_count)
-        CHECK_THAT(m_topology.quad_count == m_quad_count)
-        CHECK_THAT(m_topology.primitive_index_count == 3 * m_primitive_count + m_quad_count)
+        CHECK_AT(0, primitive == primitive_count)
+        CHECK_AT(0, cut_corner == t.triangle_indices.get_count())
+        CHECK_AT(0, t.triangle_count == primitive_count - quad_count)
+        CHECK_AT(0, t.quad_count == quad_count)
+        CHECK_AT(0, t.primitive_index_count == 3 * primitive_count + quad_count)
         return {};
     }
 
     // Polygon `polygon` of `n` corners has the primitives that come next.
     std::string check_polygon(unsigned int const& polygon, unsigned int const& n) {
-        if (n < 3) {
-            return {};
-        }
-        CHECK_THAT(m_primitive < m_primitive_count, polygon)
-        bool const is_whole = (m_topology.primitive_infos[m_primitive] & 2) != 0;
+        CHECK_AT(polygon, primitive < primitive_count)
+        bool const is_whole = (t.primitive_infos[primitive] & 2) != 0;
         unsigned int const count = is_whole ? 1 : n - 2;
-        CHECK_THAT(n > 3 || is_whole, polygon)
-        CHECK_THAT(n < 5 || !is_whole, polygon)
-        CHECK_THAT(count <= m_primitive_count - m_primitive, polygon)
-        std::map<std::pair<unsigned int, unsigned int>, int> edges;  // of the cut, by corner ids
-        for (unsigned int end = m_primitive + count; m_primitive < end; ++m_primitive) {
-            unsigned int const p = m_primitive;
-            unsigned int const info = m_topology.primitive_infos[p] & 63u;
-            unsigned int const offset = m_topology.primitive_index_offsets[p];
-            CHECK_THAT(m_topology.primitive_polygon_indices[p] == polygon, p)
-            CHECK_THAT(m_topology.primitive_shading_groups[p] ==
-                           m_topology.polygon_shading_groups[polygon],
-                       p)
-            if (is_whole) {
-                CHECK_THAT((info & 3) == (n == 4 ? 3u : 2u), p)
-                CHECK_THAT(!m_edges_are_built || info >> 2 == 15, p)
-                CHECK_THAT(offset == m_first, p)
-                m_quad_count += n == 4 ? 1 : 0;
-                continue;
+        CHECK_AT(polygon, is_whole ? n < 5 : n > 3)
+        CHECK_AT(polygon, count <= primitive_count - primitive)
+        std::set<std::pair<unsigned int, unsigned int>> edges;  // of the cut, by corner number
+        for (unsigned int const end = primitive + count; primitive < end; ++primitive) {
+            unsigned int const info = t.primitive_infos[primitive] & 63u;
+            unsigned int const offset = t.primitive_index_offsets[primitive];
+            unsigned int sides = is_whole ? 60 : 0;
+            CHECK_AT(primitive, t.primitive_polygon_indices[primitive] == polygon)
+            CHECK_AT(primitive,
+                     t.primitive_shading_groups[primitive] == t.polygon_shading_groups[polygon])
+            CHECK_AT(primitive, (info & 3) == (!is_whole ? 0u : n == 4 ? 3u : 2u))
+            CHECK_AT(primitive, offset == (is_whole ? first : cut_corner))
+            quad_count += info & 1;
+            for (unsigned int k = 0; !is_whole && k < 3; ++k, ++cut_corner) {
+                CHECK_AT(primitive, offset + 3 <= t.triangle_indices.get_count())
+                unsigned int const begin = t.triangle_indices[offset + k] - first;
+                unsigned int const next = t.triangle_indices[offset + (k + 1) % 3] - first;
+                CHECK_AT(primitive, begin < n && edges.insert({begin, next}).second)
+                sides |= next == (begin + 1) % n ? 4u << k : 0;
             }
-            CHECK_THAT((info & 3) == 0, p)
-            CHECK_THAT(offset == m_cut_corner, p)
-            m_cut_corner += 3;
-            CHECK_THAT(m_cut_corner <= m_topology.triangle_indices.get_count(), p)
-            unsigned int sides = 0;
-            for (unsigned int k = 0; k < 3; ++k) {
-                unsigned int const begin = m_topology.triangle_indices[offset + k];
-                unsigned int const next = m_topology.triangle_indices[offset + (k + 1) % 3];
-                CHECK_THAT(begin >= m_first && begin - m_first < n, p, k)
-                ++edges[{begin, next}];
-                sides |= next - m_first == (begin - m_first + 1) % n ? 4u << k : 0;
-            }
-            CHECK_THAT(!m_edges_are_built || info == sides, p)
+            CHECK_AT(primitive, !edges_are_built || info >> 2 == sides >> 2)
         }
-        // Triangles that lie side by side: every side of the polygon once, and diagonals both ways.
-        for (auto const& [edge, use_count] : edges) {
-            bool const is_side = edge.second - m_first == (edge.first - m_first + 1) % n;
-            CHECK_THAT(use_count == 1, polygon)
-            CHECK_THAT(edges.count({edge.second, edge.first}) == (is_side ? 0u : 1u), polygon)
+        // Triangles that lie side by side: diagonals run both ways, sides of the polygon one.
+        for (auto const& [begin, end] : edges) {
+            CHECK_AT(polygon, edges.count({end, begin}) == (end == (begin + 1) % n ? 0u : 1u))
         }
         return {};
     }
 
     std::string check_support() {
-        std::vector<unsigned int> primitives(m_points.point_count, absent);
-        std::vector<GMathVec2<float>> uvs(m_points.point_count);
+        std::vector<unsigned int> primitives(vertex_count, absent);
+        std::vector<GMathVec2<float>> uvs(vertex_count);
         CoreArray<unsigned int> vertices;
-        m_mesh.get_primitive_indices(vertices);
-        CHECK_THAT(vertices.get_count() == m_topology.primitive_index_count)
+        mesh.get_primitive_indices(vertices);
         unsigned int next = 0;
-        for (unsigned int p = 0; p < m_primitive_count; ++p) {
-            unsigned int const edge_count = m_mesh.get_primitive_edge_count(p);
-            for (unsigned int k = 0; k < edge_count; ++k) {
+        for (unsigned int p = 0; p < primitive_count; ++p) {
+            bool const is_quad = mesh.get_primitive_edge_count(p) == 4;
+            for (unsigned int k = 0; k < (is_quad ? 4u : 3u); ++k) {
                 unsigned int const vertex = vertices[next++];
-                CHECK_THAT(vertex < m_points.point_count, p, k)
                 primitives[vertex] = p;
-                uvs[vertex] = {k == 1 || (k == 2 && edge_count == 4) ? 1.0f : 0.0f,
-                               k >= 2 ? 1.0f : 0.0f};
+                uvs[vertex] = {k == 1 || (k == 2 && is_quad) ? 1.0f : 0.0f, k >= 2 ? 1.0f : 0.0f};
             }
         }
-        for (unsigned int vertex = 0; vertex < m_points.point_count; ++vertex) {
-            CHECK_THAT(m_points.primitive_indices[vertex] == primitives[vertex], vertex)
-            CHECK_THAT(m_mesh.get_point_cloud()->get_primitive_uv(vertex) == uvs[vertex], vertex)
+        CHECK_AT(0, vertices.get_count() == next)
+        for (unsigned int vertex = 0; vertex < vertex_count; ++vertex) {
+            CHECK_AT(vertex, points.primitive_indices[vertex] == primitives[vertex])
+            CHECK_AT(vertex, mesh.get_point_cloud()->get_primitive_uv(vertex) == uvs[vertex])
         }
         return {};
     }
 
     std::string check_boxes() {
-        if (m_points.point_count == 0) {
-            return {};
-        }
         GMathBbox3<float> whole = GMathBbox3<float>::get_inverted();
-        for (GMathVec3<float> const& p : m_points.positions) {
-            if (gmath_isfinite(p)) {
-                whole.extend(p);
+        for (GMathVec3<float> const& position : points.positions) {
+            if (gmath_isfinite(position)) {
+                whole.extend(position);
             }
         }
-        CHECK_THAT(m_geometry.mesh_bbox == whole)
-        unsigned int const group_count = m_geometry.shading_group_bbox.get_count();
-        std::vector<GMathBbox3<float>> boxes(group_count, GMathBbox3<float>::get_inverted());
-        unsigned int corner = 0;
-        for (unsigned int i = 0; i < m_topology.polygon_vertex_count.get_count(); ++i) {
-            unsigned int const group = m_topology.polygon_shading_groups[i];
-            for (unsigned int k = 0; k < m_topology.polygon_vertex_count[i]; ++k, ++corner) {
-                GMathVec3<float> const& p =
-                    m_points.positions[m_topology.polygon_vertex_indices[corner]];
-                if (group < group_count && gmath_isfinite(p)) {
-                    boxes[group].extend(p);
-                }
-            }
-        }
-        for (unsigned int group = 0; group < group_count; ++group) {
-            CHECK_THAT(m_geometry.shading_group_bbox[group] == boxes[group], group)
+        CHECK_AT(0, vertex_count == 0 || g.mesh_bbox == whole)
+        for (unsigned int group = 0; vertex_count != 0 && group < group_count; ++group) {
+            CHECK_AT(group, g.shading_group_bbox[group] == boxes[group])
         }
         return {};
     }
 
     std::string check_maps() {
-        for (PolyMeshUvMap const& map : m_topology.uv_maps) {
-            unsigned int const value_count = map.values.get_count();
-            CHECK_THAT(map.polygon_indices->get_count() == m_corner_count)
-            bool const is_own = owns_indices(map, m_topology);
-            CHECK_THAT(is_own || value_count == m_points.point_count)
-            for (unsigned int corner = 0; is_own && corner < m_corner_count; ++corner) {
+        auto const has_indices = [this](auto const& map) {
+            return map.polygon_indices->get_count() == corner_count &&
+                   (owns_indices(map, t) || map.values.get_count() == vertex_count);
+        };
+        for (PolyMeshUvMap const& map : t.uv_maps) {
+            CHECK_AT(0, has_indices(map))
+            for (unsigned int corner = 0; owns_indices(map, t) && corner < corner_count; ++corner) {
                 unsigned int const index = (*map.polygon_indices)[corner];
-                CHECK_THAT(index <= value_count || index == absent, corner)
+                CHECK_AT(corner, index <= map.values.get_count() || index == absent)
             }
         }
-        for (PolyMeshColorMap const& map : m_topology.color_maps) {
-            CHECK_THAT(map.polygon_indices->get_count() == m_corner_count)
-            CHECK_THAT(owns_indices(map, m_topology) ||
-                       map.values.get_count() == m_points.point_count)
+        for (PolyMeshColorMap const& map : t.color_maps) {
+            CHECK_AT(0, has_indices(map))
         }
-        for (PolyMeshNormalMap const& map : m_geometry.normal_maps) {
-            CHECK_THAT(map.polygon_indices.get_count() == m_corner_count)
-            unsigned long long const end = 0ull + m_points.point_count + map.normals.get_count();
-            for (unsigned int corner = 0; corner < m_corner_count; ++corner) {
+        for (PolyMeshNormalMap const& map : g.normal_maps) {
+            CHECK_AT(0, map.polygon_indices.get_count() == corner_count)
+            for (unsigned int corner = 0; corner < corner_count; ++corner) {
                 unsigned int const index = map.polygon_indices[corner];
-                CHECK_THAT(index < end || index == absent, corner)
+                CHECK_AT(corner, index < vertex_count + map.normals.get_count() || index == absent)
             }
         }
         return {};
     }
-
-    PolyMesh const& m_mesh;
-    PolyMeshTopology const& m_topology;
-    PolyMeshGeometry const& m_geometry;
-    GeometryPointCloudData const& m_points;
-    unsigned int m_corner_count;
-    unsigned int m_primitive_count;
-    bool m_edges_are_built;
-
-    // Where the walk over the polygons has come to.
-    unsigned int m_first = 0;
-    unsigned int m_primitive = 0;
-    unsigned int m_cut_corner = 0;
-    unsigned int m_quad_count = 0;
 };
 
 }  // namespace
 
 std::string find_broken_invariant(PolyMesh const& mesh, bool const& edges_are_built) {
-    return Checker(mesh, edges_are_built).check();
+    Checker checker{mesh, edges_are_built};
+    for (auto const check :
+         {&Checker::check_lengths, &Checker::check_polygons, &Checker::check_support,
+          &Checker::check_boxes, &Checker::check_maps}) {
+        std::string const broken = (checker.*check)();
+        if (!broken.empty()) {
+            return broken;
+        }
+    }
+    return {};
 }

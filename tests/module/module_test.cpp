@@ -62,37 +62,30 @@ TEST(PolyHelpers, MakeSpheres) {
         EXPECT_EQ(mesh->get_shading_group_names()[0], "surface");
         EXPECT_EQ(find_broken_invariant(*mesh), "");
 
-        // Positions and uv values in their order, each angle one step past the last.
+        // Positions in their order, each angle one step past the last.
         auto const& positions = mesh->get_point_cloud()->get_data().positions;
-        GeometryUvMap uv_map;
-        mesh->get_polygon_uv_map(0, uv_map, false);
-        ASSERT_EQ(uv_map.values.get_count(), (r + 1) * s + r - 1);
-        EXPECT_EQ(uv_map.name, "parametric");
         EXPECT_EQ(positions[0], GMathVec3<float>(0, -0.7f, 0));
         EXPECT_EQ(positions[s * (r - 1) + 1], GMathVec3<float>(0, 0.7f, 0));
         unsigned int vertex = 1;
-        unsigned int value = s;
         double t = 0.0;
         for (unsigned int ring = 1; ring < r; ++ring) {
-            t += 1.0 / r;
+            double const phi = 3.141592653589 * (t += 1.0 / r);
             double angle = 0.0;
-            for (unsigned int j = 0; j <= s; ++j, angle += 1.0 / s, ++value) {
-                EXPECT_NEAR(uv_map.values[value].x, j / double(s), 1.0 / 65535.0);
-                EXPECT_NEAR(uv_map.values[value].y, ring / double(r), 1.0 / 65535.0);
-                if (j == s) {
-                    continue;
-                }
-                float const x = static_cast<float>(-std::sin(6.283185307178 * angle) *
-                                                   std::sin(3.141592653589 * t));
-                float const y = static_cast<float>(-std::cos(3.141592653589 * t));
-                float const z = static_cast<float>(-std::cos(6.283185307178 * angle) *
-                                                   std::sin(3.141592653589 * t));
-                GMathVec3<float> const expected(static_cast<float>(x * 1.5),
-                                                static_cast<float>(y * 0.7),
-                                                static_cast<float>(z * 2.0));
-                EXPECT_EQ(positions[vertex++], expected);
+            for (unsigned int j = 0; j < s; ++j, angle += 1.0 / s) {
+                double const theta = 6.283185307178 * angle;
+                GMathVec3<float> const d(static_cast<float>(-std::sin(theta) * std::sin(phi)),
+                                         static_cast<float>(-std::cos(phi)),
+                                         static_cast<float>(-std::cos(theta) * std::sin(phi)));
+                GMathVec3<double> const place(d.x * 1.5, d.y * 0.7, d.z * 2.0);
+                EXPECT_EQ(positions[vertex++], GMathVec3<float>(place));
             }
         }
+        GeometryUvMap uv_map;
+        mesh->get_polygon_uv_map(0, uv_map, false);
+        EXPECT_EQ(uv_map.values.get_count(), (r + 1) * s + r - 1);
+        EXPECT_EQ(uv_map.name, "parametric");
+        EXPECT_EQ(uv_map.values[s].x, 0.0f);  // both ends of the seam
+        EXPECT_NEAR(uv_map.values[2 * s].x, 1.0f, 1e-6f);
         // Every corner's uv lies where its vertex does, but for the pole's middle and the seam's
         // end.
         CoreArray<unsigned int> corners;
