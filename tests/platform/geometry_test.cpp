@@ -19,32 +19,6 @@ CoreBasicArray<Vec> view(Values const& values) {
     return {values.data(), static_cast<unsigned int>(values.size())};
 }
 
-// Two primitives, one in a box and one without extent.
-class Boxes : public GeometryObject {
-  public:
-    GeometryObject* get_copy() const override { return new Boxes(*this); }
-    GMathBbox3<double> get_bbox() const override { return {{-1, 0, 2}, {1, 3, 2}}; }
-    CoreArray<CoreString> const& get_shading_group_names() const override { return m_names; }
-    unsigned int get_primitive_count() const override { return 2; }
-    unsigned int get_primitive_edge_count(unsigned int const&) const override { return 3; }
-    unsigned int get_primitive_shading_group_index(unsigned int const& p) const override {
-        return p;
-    }
-    using GeometryObject::compute_primitive_bbox;
-    void compute_primitive_bbox(CtxEval const&, unsigned int const& primitive,
-                                GMathBbox3<double>& bbox) const override {
-        bbox = primitive == 0 ? get_bbox() : GMathBbox3<double>::get_inverted();
-    }
-    void compute_fragment_sample(CtxEval const&, GeometryFragment const&,
-                                 GeometrySample&) const override {}
-    using GeometryObject::intersect_primitive;
-    void intersect_primitive(CtxEval const&, unsigned int const&,
-                             GeometryRaytraceCtx&) const override {}
-
-  private:
-    CoreArray<CoreString> m_names;
-};
-
 }  // namespace
 
 TEST(GeometryCompressedVertices, StaysWithinHalfAStepOfItsValues) {
@@ -126,44 +100,4 @@ TEST(GeometryRaytraceCtx, KeepsHitsByItsMode) {
         EXPECT_EQ(rays.all_hits.get_count(), row.primitive == 0xFFFFFFFF ? 5u : 0u);
     }
     EXPECT_EQ(GeometryRaytraceCtx(nullptr, nullptr, 0).get_last_active(), -1);
-}
-
-TEST(GeometrySample, OffersUnitNormalsAndMotion) {
-    GeometrySample sample;
-    sample.init_surface({1, 2, 3}, {2, 0, 0}, {0, 3, 0}, {1, 1, 1}, {2, 2, 2});
-    EXPECT_EQ(sample.get_geometric_normal(), Vec(0, 0, 1));
-    EXPECT_EQ(sample.get_shading_normal(), Vec(0, 0, 1));
-    EXPECT_EQ(sample.get_motion_vector(), Vec(0, 0, 0));
-    sample.set_smoothing({1, 2, 4}, {0, 0, 0}, {3, 3, 3}, {4, 4, 4});
-    EXPECT_EQ(sample.get_shading_normal(), Vec(0, 0, 1));  // a zero normal shades flat
-    sample.set_smoothing({1, 2, 4}, {-5, 0, 0}, {3, 3, 3}, {4, 4, 4});
-    EXPECT_EQ(sample.get_shading_normal(), Vec(-1, 0, 0));
-    sample.set_geometric_position_dt({2, 2, 2});
-    EXPECT_EQ(sample.get_motion_vector(), Vec(1, 0, -1));
-    sample.init_point({1, 1, 1});
-    EXPECT_EQ(sample.get_shading_normal(), Vec(0, 0, 0));  // nothing of the surface is left
-    EXPECT_FALSE(sample.has_motion());
-}
-
-TEST(GeometryFrustumPlane, HasItsBorderInside) {
-    GeometryFrustumPlane const plane{{0, 0, 2}, -4};
-    EXPECT_TRUE(plane.is_inside({9, 9, 2}));
-    EXPECT_FALSE(plane.is_inside({0, 0, std::nextafter(2.0, 0.0)}));
-    EXPECT_FALSE(plane.is_inside({0, 0, nan_distance}));
-}
-
-TEST(GeometryObject, FallsBackToWhatSuitsPlainGeometry) {
-    Boxes const boxes;
-    CtxEval const ctx;
-    GMathLinearSpace3<double> const turned{{0, 1, 0}, {-1, 0, 0}, {0, 0, 2}};
-    GMathBbox3<double> box;
-    boxes.GeometryObject::compute_primitive_bbox(ctx, 0, turned, box);
-    EXPECT_EQ(box, GMathBbox3<double>({-3, -1, 4}, {0, 1, 4}));
-    boxes.compute_primitive_bbox_at(ctx, 0, 0.5, box);
-    EXPECT_EQ(box, boxes.get_bbox());
-    boxes.compute_primitive_bbox_at(ctx, 1, 0.5, turned, box);
-    EXPECT_EQ(box, GMathBbox3<double>::get_inverted());
-    GeometryFrustumCtx frustum;
-    boxes.intersect_primitive(ctx, 0, frustum);
-    EXPECT_TRUE(frustum.is_rejected);
 }

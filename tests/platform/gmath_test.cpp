@@ -28,14 +28,8 @@ TEST(GMath, DoesNotFuseMultiplyAndAdd) {
 TEST(GMath, DividesVectorsByTheirLength) {
     using Vec = GMathVec3<float>;
     EXPECT_EQ(gmath_unit(Vec(3, 0, 4)), Vec(3.0f / 5.0f, 0, 4.0f / 5.0f));
-    EXPECT_EQ(gmath_unit(Vec(0, 0, 0)), Vec(0, 0, 0));
     EXPECT_EQ(gmath_unit(Vec(1e-30f, 0, 0)), Vec(0, 0, 0));  // its square is 0
     EXPECT_TRUE(std::isnan(gmath_unit(Vec(infinity, 0, 0)).x));
-    GMathBbox3<float> box = GMathBbox3<float>::get_inverted();
-    EXPECT_EQ(box.minimum.x, 3.4028235e38f);
-    EXPECT_TRUE(box.is_empty());
-    box.extend({std::nanf(""), 1, -2});
-    EXPECT_EQ(box, GMathBbox3<float>({3.4028235e38f, 1, -2}, {-3.4028235e38f, 1, -2}));
 }
 
 TEST(GMathHalfFloatConverter, RoundsNormalisedHalves) {
