@@ -14,14 +14,15 @@ unsigned char get_color_byte(float const& value) {
 
 // Lines and corners are rarely shorter than this; if they are, the lists grow as any list does.
 void ObjBuilder::reserve(unsigned long long const& size) {
-    positions.reserve(size, 20);
-    uvs.values.reserve(size, 16);
-    normals.values.reserve(size, 16);
-    corners.reserve(size, 4);
-    counts.reserve(size, 16);
-    uvs.get_indices().reserve(size, 6);
-    normals.get_indices().reserve(size, 6);
-    groups.reserve(size, 16);
+    unsigned int const largest = m_limits.largest_count;
+    positions.reserve(size, 20, largest);
+    uvs.values.reserve(size, 16, largest);
+    normals.values.reserve(size, 16, largest);
+    corners.reserve(size, 4, largest);
+    counts.reserve(size, 16, largest);
+    uvs.get_indices().reserve(size, 6, largest);
+    normals.get_indices().reserve(size, 6, largest);
+    groups.reserve(size, 16, largest);
 }
 
 // A corner takes two bytes, a face with its three corners eight.

@@ -27,6 +27,10 @@ class ObjBuilder {
 
     // A file of `size` bytes is about to be read; 0 when that is not known.
     void reserve(unsigned long long const& size);
+    // False: there might be too many.
+    bool make_room(ObjList<GMathVec3<float>>& list, unsigned int const& extra) const {
+        return list.make_room(extra, m_limits.largest_count);
+    }
     // Room for all corners and faces of `size` bytes of text. False: that might be too many.
     bool make_room_for_faces(std::size_t const& size);
 

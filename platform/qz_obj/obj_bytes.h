@@ -38,8 +38,8 @@ bool obj_is_keyword(char const* at, char const* keyword) {
     return std::memcmp(at, keyword, length) == 0 && (at[length] == ' ' || at[length] == '\t');
 }
 
-// The line end at `at`: LF, CR LF or CR alone. What follows a CR must be readable. A branch, so that
-// the next line need not wait for these bytes.
+// The line end at `at`: LF, CR LF or CR alone. What follows a CR must be readable. A branch, so
+// that the next line need not wait for these bytes.
 inline char const* obj_skip_line_end(char const* at) {
     return *at == '\n' ? at + 1 : at[1] == '\n' ? at + 2 : at + 1;
 }

@@ -10,8 +10,9 @@ class ObjGroups {
   public:
     ObjGroups();
 
-    void reserve(unsigned long long const& size, unsigned int const& bytes_per_polygon) {
-        m_numbers.reserve(size, bytes_per_polygon);
+    void reserve(unsigned long long const& size, unsigned int const& bytes_per_polygon,
+                 unsigned int const& largest_count) {
+        m_numbers.reserve(size, bytes_per_polygon, largest_count);
     }
     // All polygons up to `polygon_count` belong to the last name that was set.
     void assign(unsigned int const& polygon_count);

@@ -38,8 +38,10 @@ class ObjList {
     // Storage that will do for a file of `size` bytes with an element every `bytes_per_element`, so
     // that it need not move; pages that are never written cost nothing. Storage of many megabytes
     // is moved without copying, so there is no gain beyond.
-    void reserve(unsigned long long const& size, unsigned int const& bytes_per_element) {
-        unsigned long long const largest = (1ull << 25) / sizeof(T);
+    void reserve(unsigned long long const& size, unsigned int const& bytes_per_element,
+                 unsigned int const& largest_count) {
+        unsigned long long const largest =
+            std::min<unsigned long long>((1ull << 25) / sizeof(T), largest_count);
         unsigned long long const count = std::min(size / bytes_per_element, largest);
         m_storage.resize(static_cast<unsigned int>(std::max<unsigned long long>(count, m_count)));
     }

@@ -101,7 +101,17 @@ bool read_corners(IndexCursor& cursor, unsigned int* points, unsigned int& highe
     for (;; ++count) {
         unsigned int point;
         if (!cursor.read(point)) [[unlikely]] {
-            return false;
+            // More blanks, or one at the end of the line.
+            if (!obj_is_blank(cursor.at) && !obj_is_line_end(cursor.at)) {
+                return false;
+            }
+            cursor.move_to(obj_skip_blanks(cursor.at));
+            if (obj_is_line_end(cursor.at)) {
+                break;
+            }
+            if (!cursor.read(point)) {
+                return false;
+            }
         }
         points[count] = point;
         highest = std::max(highest, point);
@@ -122,6 +132,7 @@ bool read_corners(IndexCursor& cursor, unsigned int* points, unsigned int& highe
         }
         if (*cursor.at != ' ') {
             if (obj_is_line_end(cursor.at)) {
+                ++count;
                 break;
             }
             if (!obj_is_blank(cursor.at)) [[unlikely]] {
@@ -129,14 +140,8 @@ bool read_corners(IndexCursor& cursor, unsigned int* points, unsigned int& highe
             }
         }
         cursor.skip(1);
-        if (static_cast<unsigned char>(*cursor.at) <= ' ') [[unlikely]] {
-            cursor.move_to(obj_skip_blanks(cursor.at));
-            if (obj_is_line_end(cursor.at)) {
-                break;
-            }
-        }
     }
-    corner_count = count + 1;
+    corner_count = count;
     highest_point = highest;
     return true;
 }

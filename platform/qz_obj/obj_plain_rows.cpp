@@ -75,23 +75,29 @@ inline char const* read_numbers(ObjMarks const& marks, char const* at, float* nu
     return at;
 }
 
-// False: the row is not plain, or one too many.
 template <ObjRow row>
-bool add_row(ObjBuilder& builder, float const* numbers, unsigned int const& count) {
-    if constexpr (row == ObjRow::POINT) {
-        if (count < 3 || !builder.add_point({numbers[0], numbers[1], numbers[2]})) [[unlikely]] {
-            return false;
-        }
-        if (count >= 6) {
-            builder.set_color(numbers + 3, count > 6 ? numbers[6] : 1.0f);
-        }
-        return true;
-    } else if constexpr (row == ObjRow::UV) {
-        return count >= 2 && count <= 3 &&
-               builder.add_uv({numbers[0], numbers[1], count > 2 ? numbers[2] : 0.0f});
-    } else {
-        return count == 3 && builder.add_normal({numbers[0], numbers[1], numbers[2]});
+ObjList<GMathVec3<float>>& get_list(ObjBuilder& builder) {
+    return row == ObjRow::POINT ? builder.positions
+           : row == ObjRow::UV  ? builder.uvs.values
+                                : builder.normals.values;
+}
+
+// Takes in the row that was read behind the end of its list. False: it is not plain.
+template <ObjRow row>
+bool commit_row(ObjBuilder& builder, float* numbers, unsigned int const& count) {
+    constexpr unsigned int fewest = row == ObjRow::UV ? 2 : 3;
+    constexpr unsigned int most = row == ObjRow::POINT ? most_numbers : 3;
+    if (count < fewest || count > most) [[unlikely]] {
+        return false;
     }
+    if (row == ObjRow::UV && count == 2) {
+        numbers[2] = 0.0f;
+    }
+    get_list<row>(builder).commit(1);
+    if (row == ObjRow::POINT && count >= 6) {
+        builder.set_color(numbers + 3, count > 6 ? numbers[6] : 1.0f);
+    }
+    return true;
 }
 
 }  // namespace
@@ -99,16 +105,20 @@ bool add_row(ObjBuilder& builder, float const* numbers, unsigned int const& coun
 template <ObjRow row>
 char const* obj_read_plain_rows(ObjText const& text, char const* begin, ObjBuilder& builder,
                                 unsigned long long& line) {
+    constexpr unsigned int elements_of_a_row = 3;  // hold the most numbers that are read
+    static_assert(3 * elements_of_a_row >= most_numbers);
     ObjMarks const& marks = *text.marks;
     char const* const end = text.end;
+    ObjList<GMathVec3<float>>& list = get_list<row>(builder);
     char const* at = begin;
     unsigned long long count = 0;
-    while (obj_is_keyword<keyword<row>.size()>(at, keyword<row>.data())) {
-        float numbers[most_numbers];
+    while (obj_is_keyword<keyword<row>.size()>(at, keyword<row>.data()) &&
+           builder.make_room(list, elements_of_a_row)) {
+        float* const numbers = &list.get_end()->x;
         unsigned int number_count = 0;
         char const* const line_end =
             read_numbers(marks, at + keyword<row>.size(), numbers, number_count);
-        if (!line_end || line_end >= end || !add_row<row>(builder, numbers, number_count))
+        if (!line_end || line_end >= end || !commit_row<row>(builder, numbers, number_count))
             [[unlikely]] {
             break;
         }

@@ -148,7 +148,7 @@ TEST(ObjHostile, MutatedBytes) {
             }
         }
         ObjOutcome const outcome = read_obj(text);
-        unsigned int const block_size = 1 + random() % 40;
+        unsigned int const block_size = 1 + static_cast<unsigned int>(random() % 40);
         ObjOutcome const again = read_obj_file(get_obj_path(), {block_size});
         ASSERT_EQ(outcome.is_loaded, again.is_loaded) << text;
         ASSERT_EQ(outcome.messages, again.messages) << text;
