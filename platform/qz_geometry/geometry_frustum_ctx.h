@@ -14,7 +14,7 @@ struct GeometryFrustumPlane {
 
 // A view frustum, and what is found in it. Plain data, one per thread.
 struct GeometryFrustumCtx {
-    enum Mode {
+    enum Mode : unsigned int {
         MODE_OVERLAP = 0,      // counts primitives that may overlap it
         MODE_CONTAINMENT = 1,  // counts primitives that lie within it
         MODE_MARK = 2,         // marks the vertices of every primitive asked about

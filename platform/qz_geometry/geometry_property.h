@@ -89,8 +89,9 @@ class QZ_GEOMETRY_EXPORT GeometryProperty : public CoreBaseObject {
                                 DoubleCallback const& double_callback);
 
     // Attaches the block of `sample`, or leaves it missing for good. Called when the block is first
-    // asked for, once, under the property's lock, on an object that may be const elsewhere; it must
-    // not ask the property for values. Default: does nothing.
+    // asked for, once, under the property's lock; it must not ask the property for values. Those
+    // who ask may hold a const reference, but an object that loads must not be created const.
+    // Default: does nothing.
     virtual void _load_data(unsigned int const& sample);
 
     // To be told whenever the block of `sample` was attached, or taken away: it is then loaded

@@ -42,6 +42,12 @@ void PolyMeshSmoothed::set(PolyMesh const& mesh, double const& smoothing_angle,
                                : m_normal_map;
 }
 
+void PolyMeshSmoothed::find_hard_edges(PolyMesh const& mesh, double const& smoothing_angle,
+                                       CoreArray<unsigned char>& edges) {
+    ::find_hard_edges(mesh.get_topology(), mesh.get_point_cloud()->get_data().positions,
+                      smoothing_angle, edges);
+}
+
 unsigned long long PolyMeshSmoothed::get_memory_size() const {
     return sizeof(PolyMeshSmoothed) + m_normal_map->polygon_indices.get_memory_size() +
            m_normal_map->normals.get_memory_size() + m_normal_map->name.get_length();

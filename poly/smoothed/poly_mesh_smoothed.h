@@ -45,6 +45,12 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
     // The map that the queries use: this view's own or one of the mesh's; null before `set`.
     PolyMeshNormalMap const* get_current_normal_map() const { return m_current_normal_map; }
 
+    // The edges of primitives that are hard at an angle: a byte per primitive, whose bit e stands
+    // for edge e. The diagonal of a quad is none. For diagnosis; the old storage of `edges` is
+    // freed first.
+    static void find_hard_edges(PolyMesh const& mesh, double const& smoothing_angle,
+                                CoreArray<unsigned char>& edges);
+
     // Writes the 3 or 4 corner positions of a primitive at a time, and returns how many; 0 for a
     // primitive at or past the count. `positions` has room for 4.
     unsigned int get_primitive_vertices(CtxEval const& ctx,

@@ -2,7 +2,9 @@
 
 #include <poly/maps/extra_normals.h>
 #include <poly/maps/normal_maps.h>
+#include <poly/mesh/primitive_corners.h>
 #include <poly/mesh/progress_task.h>
+#include <poly/render/surface_weights.h>
 #include <poly/smoothed/smoothing_triangles.h>
 #include <poly/topology/neighbourhood.h>
 
@@ -21,6 +23,10 @@ constexpr double radians_per_degree = 0.01745329251993889;
 
 constexpr float task_weight = 0.25f;
 
+double get_cos_limit(double const& smoothing_angle) {
+    return std::cos(smoothing_angle * radians_per_degree);
+}
+
 class SmoothingBuilder {
   public:
     SmoothingBuilder(PolyMeshTopology const& topology, CoreBasicArray<Vec3> const& positions,
@@ -30,17 +36,21 @@ class SmoothingBuilder {
           m_vertex_count(positions.get_count()),
           m_progress(progress) {}
 
-    // Leaves the result of every triangle corner in m_results, and the normals in m_normals.
-    void build(double const& cos_limit, unsigned int const& corner_count) {
+    // Decides every edge.
+    void classify_edges(double const& cos_limit) {
         {
             ProgressTask const task(m_progress, "compute triangles neighbourhood", task_weight);
             compute_triangles_neighbourhood(m_neighbours, m_triangles.vertices, m_vertex_count,
                                             m_progress);
         }
-        m_normals.reserve(corner_count);
-        m_results.copy_from(m_triangles.vertices);
         compute_face_normals();
         find_hard_edges(cos_limit);
+    }
+
+    // Leaves the result of every triangle corner in m_results, and the normals in m_normals.
+    void build_normals(unsigned int const& corner_count) {
+        m_normals.reserve(corner_count);
+        m_results.copy_from(m_triangles.vertices);
         compute_fans();
         m_normals.shrink_to_fit();
     }
@@ -53,6 +63,8 @@ class SmoothingBuilder {
             map.polygon_indices.set(m_triangles.corner_ids[corner], m_results[corner]);
         }
     }
+
+    SmoothingTriangles const& get_triangles() const { return m_triangles; }
 
   private:
     void compute_face_normals() {
@@ -188,7 +200,31 @@ void build_smoothed_normals(PolyMeshTopology const& topology, CoreBasicArray<Vec
                             AppProgressBar* progress) {
     unsigned int const corner_count = topology.polygon_vertex_indices.get_count();
     SmoothingBuilder builder(topology, positions, progress);
-    builder.build(std::cos(smoothing_angle * radians_per_degree), corner_count);
+    builder.classify_edges(get_cos_limit(smoothing_angle));
+    builder.build_normals(corner_count);
     builder.store(corner_count, map);
     map.name = CoreString("smoothing_angle=").append(smoothing_angle);
+}
+
+void find_hard_edges(PolyMeshTopology const& topology, CoreBasicArray<Vec3> const& positions,
+                     double const& smoothing_angle, CoreArray<unsigned char>& edges) {
+    SmoothingBuilder builder(topology, positions, nullptr);
+    builder.classify_edges(get_cos_limit(smoothing_angle));
+    edges.reset(topology.primitive_infos.get_count());
+    SmoothingEdge const* next = builder.get_triangles().edges.get_data();
+    for (unsigned int primitive = 0; primitive < edges.get_count(); ++primitive) {
+        unsigned int hard = 0;
+        unsigned int half = 0;
+        bool const is_whole_quad = is_quad(topology, primitive);
+        for (SurfaceTriangle const& triangle : get_surface_triangles(is_whole_quad)) {
+            for (unsigned int k = 0; k < 3; ++k, ++next) {
+                bool const is_diagonal = is_whole_quad && k == (half == 0 ? 2u : 0u);
+                if (!is_diagonal && *next == SmoothingEdge::HARD) {
+                    hard |= 1u << triangle.corners[k];
+                }
+            }
+            ++half;
+        }
+        edges[primitive] = static_cast<unsigned char>(hard);
+    }
 }

@@ -19,3 +19,9 @@ void build_smoothed_normals(PolyMeshTopology const& topology,
                             CoreBasicArray<GMathVec3<float>> const& positions,
                             double const& smoothing_angle, PolyMeshNormalMap& map,
                             AppProgressBar* progress);
+
+// The edges that this finds hard: a byte per primitive, bit e for its edge e. The old storage of
+// `edges` is freed first.
+void find_hard_edges(PolyMeshTopology const& topology,
+                     CoreBasicArray<GMathVec3<float>> const& positions,
+                     double const& smoothing_angle, CoreArray<unsigned char>& edges);

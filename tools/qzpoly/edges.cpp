@@ -42,7 +42,19 @@ double compute_distance(PicturePoint const& a, PicturePoint const& b, double con
 
 }  // namespace
 
-float compute_edge_cover(GeometryObject const& geometry, CtxEval const& ctx,
+ToolEdges list_visible_edges(GeometryObject const& geometry) {
+    ToolEdges edges(geometry.get_primitive_count());
+    for (unsigned int primitive = 0; primitive < edges.size(); ++primitive) {
+        for (unsigned int edge = 0; edge < geometry.get_primitive_edge_count(primitive); ++edge) {
+            if (geometry.is_primitive_edge_visible(primitive, edge)) {
+                edges[primitive] = static_cast<unsigned char>(edges[primitive] | 1u << edge);
+            }
+        }
+    }
+    return edges;
+}
+
+float compute_edge_cover(GeometryObject const& geometry, ToolEdges const& edges, CtxEval const& ctx,
                          GeometryFragment const& fragment, ToolCamera const& camera,
                          double const& x, double const& y) {
     unsigned int const edge_count = geometry.get_primitive_edge_count(fragment.primitive_index);
@@ -57,8 +69,7 @@ float compute_edge_cover(GeometryObject const& geometry, CtxEval const& ctx,
         PicturePoint const& a = corners[edge];
         PicturePoint const& b = corners[(edge + 1) % edge_count];
         // An edge that reaches behind the viewer has no place in the picture.
-        if (a.depth > 0 && b.depth > 0 &&
-            geometry.is_primitive_edge_visible(fragment.primitive_index, edge)) {
+        if (a.depth > 0 && b.depth > 0 && (edges[fragment.primitive_index] >> edge & 1) != 0) {
             nearest = std::min(nearest, compute_distance(a, b, x, y));
         }
     }

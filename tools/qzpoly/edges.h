@@ -4,9 +4,17 @@
 
 #include <platform/qz_geometry.h>
 
-// How much of a sample at (x, y) of the picture the visible edges of its primitive cover: 1 on an
-// edge, 0 from a line's width away. Edges are drawn where their primitive is seen, so that nothing
-// shows through.
-float compute_edge_cover(GeometryObject const& geometry, CtxEval const& ctx,
+#include <vector>
+
+// Edges to draw: a byte per primitive, whose bit e stands for edge e.
+using ToolEdges = std::vector<unsigned char>;
+
+// The visible edges of polygons.
+ToolEdges list_visible_edges(GeometryObject const& geometry);
+
+// How much of a sample at (x, y) of the picture these edges of its primitive cover: 1 on an edge, 0
+// from a line's width away. Edges are drawn where their primitive is seen, so that nothing shows
+// through.
+float compute_edge_cover(GeometryObject const& geometry, ToolEdges const& edges, CtxEval const& ctx,
                          GeometryFragment const& fragment, ToolCamera const& camera,
                          double const& x, double const& y);

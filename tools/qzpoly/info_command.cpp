@@ -3,13 +3,18 @@
 #include <tools/qzpoly/json_out.h>
 #include <tools/qzpoly/mesh_facts.h>
 #include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/surface_options.h>
 
 #include <cstdio>
 
 namespace {
 
+constexpr char const* not_in_block =
+    "normals, shading groups, maps, creases and edge visibility are not in a block";
+
 struct InfoOptions {
     ToolMeshOptions mesh;
+    ToolSurfaceOptions surface;
     bool is_json = false;
 };
 
@@ -51,11 +56,33 @@ void print_text(ToolMesh const& mesh, ToolMeshFacts const& facts) {
         print_line(map.kind, " map ", std::string_view(map.name), ": ", map.value_count,
                    " values, ", map.is_by_vertex ? "by vertex" : "by corner");
     }
+    for (unsigned int i = 0; i < mesh.mesh->get_property_count(); ++i) {
+        GeometryProperty const& property = mesh.mesh->get_property(i);
+        print_line("property    ", property.get_name(), ": ", property.get_value_count(),
+                   " items of ", property.get_value_extent(), ", ", property.get_index_count(),
+                   " indices, ", property.get_time_sampling().get_sample_count(), " times");
+    }
     print_line("creases     ", facts.crease_count);
     print_line("box         ", std::string_view(write_box(facts.bbox)));
     print_line("area        ", facts.area);
     print_line("key         ", std::string_view(facts.key));
+    if (mesh.is_block) {
+        print_line("not kept    ", not_in_block, "; nor is the key of the mesh it was made from");
+    }
     std::printf("seconds     %.3f\n", mesh.seconds);
+}
+
+ToolJson list_properties(PolyMesh const& mesh) {
+    ToolJson properties = ToolJson::array();
+    for (unsigned int i = 0; i < mesh.get_property_count(); ++i) {
+        GeometryProperty const& property = mesh.get_property(i);
+        properties.push_back({{"name", property.get_name().get_data()},
+                              {"items", property.get_value_count()},
+                              {"extent", property.get_value_extent()},
+                              {"indices", property.get_index_count()},
+                              {"times", property.get_time_sampling().get_sample_count()}});
+    }
+    return properties;
 }
 
 ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
@@ -78,6 +105,7 @@ ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
                         {"by", map.is_by_vertex ? "vertex" : "corner"}});
     }
     return {{"kind", mesh.kind},
+            {"not_kept", mesh.is_block ? ToolJson(not_in_block) : ToolJson(nullptr)},
             {"vertices", facts.vertex_count},
             {"polygons", facts.polygon_count},
             {"polygons_by_corners", corners},
@@ -87,6 +115,7 @@ ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
             {"missing_triangles", facts.missing_triangle_count},
             {"groups", groups},
             {"maps", maps},
+            {"properties", list_properties(*mesh.mesh)},
             {"creases", facts.crease_count},
             {"box", make_json(facts.bbox)},
             {"area", facts.area},
@@ -98,8 +127,12 @@ ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
 int run_info(InfoOptions const& options, ToolMessages& messages) {
     int status = tool_failure;
     ToolMesh mesh;
+    ToolSurface surface;  // holds the properties
     if (!load_mesh(options.mesh, messages, mesh, status)) {
         return status;
+    }
+    if (!make_surface(options.surface, *mesh.mesh, messages, surface)) {
+        return tool_failure;
     }
     ToolMeshFacts const facts = find_facts(*mesh.mesh);
     if (options.is_json) {
@@ -117,6 +150,7 @@ void add_info_command(CLI::App& app, ToolSession& session) {
     CLI::App* const command =
         app.add_subcommand("info", "Tell what is in a file and what was built");
     add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
+    add_property_option(*command, options->surface);
     command->add_flag("--json", options->is_json, "As JSON");
     command->callback(
         [options, &session] { session.status = run_info(*options, session.messages); });

@@ -60,9 +60,9 @@ void list_groups(PolyMesh const& mesh, ToolMeshFacts& facts) {
     }
     CoreArray<unsigned int> groups;
     mesh.get_polygon_shading_groups(groups);
-    for (unsigned int const& group : groups) {
-        if (group < facts.groups.size()) {
-            ++facts.groups[group].polygon_count;
+    for (unsigned int polygon = 0; polygon < facts.polygon_count; ++polygon) {
+        if (groups[polygon] < facts.groups.size()) {
+            ++facts.groups[groups[polygon]].polygon_count;
         }
     }
 }

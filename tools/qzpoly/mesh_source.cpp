@@ -4,6 +4,7 @@
 #include <tools/qzpoly/terminal.h>
 
 #include <platform/qz_lwo.h>
+#include <platform/qz_sys.h>
 #include <poly/module/poly_helpers.h>
 
 #include <filesystem>
@@ -44,16 +45,45 @@ bool make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
     return mesh.mesh != nullptr;
 }
 
+// A byte block begins with its own size.
+bool is_block(CoreString const& path) {
+    SysFile file;
+    unsigned int stated_size = 0;
+    return file.open(path, SysFile::MODE_READ) &&
+           file.read(&stated_size, sizeof stated_size) == sizeof stated_size &&
+           stated_size == file.get_size();
+}
+
+bool load_block(CoreString const& path, PolyMesh& mesh) {
+    SysFile file;
+    if (!file.open(path, SysFile::MODE_READ)) {
+        return false;
+    }
+    CoreArray<unsigned char> block(static_cast<unsigned int>(file.get_size()));
+    return file.read(block.get_data(), block.get_count()) == block.get_count() &&
+           mesh.deserialize(block.get_data(), block.get_count());
+}
+
 // The one place that tells kinds of file apart, always by their contents.
-bool load_file(std::string const& file, bool const& is_unchecked, ToolMesh& mesh) {
-    CoreString const path(std::string_view{file});
+bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh& mesh) {
+    CoreString const path(std::string_view{name});
     mesh.mesh = std::make_unique<PolyMesh>();
-    mesh.name = std::filesystem::path(file).stem().string();
-    mesh.kind = Lwo::is_valid(path) ? "LightWave object" : "Wavefront OBJ";
+    mesh.name = std::filesystem::path(name).stem().string();
+    mesh.is_block = is_block(path);
+    bool const is_light_wave = Lwo::is_valid(path);
+    mesh.kind = mesh.is_block ? "byte block" : is_light_wave ? "LightWave object" : "Wavefront OBJ";
+    if (mesh.is_block) {
+        return load_block(path, *mesh.mesh);
+    }
+    if (!options.item.empty() && !is_light_wave) {
+        CoreLogHandler::get_main().log(2, CoreLogStream() << "only LightWave objects have items\n");
+        return false;
+    }
     ToolProgress load_progress("loading");
     AppProgressBar build_progress("building");
-    return mesh.mesh->import_from_file(path, CoreString(), 0.0, &load_progress.get_bar(),
-                                       is_unchecked ? nullptr : &build_progress);
+    return mesh.mesh->import_from_file(path, CoreString(std::string_view(options.item)), 0.0,
+                                       &load_progress.get_bar(),
+                                       options.is_unchecked ? nullptr : &build_progress);
 }
 
 void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
@@ -73,8 +103,11 @@ std::string check_sphere(std::string const& text) {
 }  // namespace
 
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
-    CLI::Option* const file =
-        command.add_option("FILE", options.file, "Wavefront OBJ file or LightWave object");
+    CLI::Option* const file = command.add_option(
+        "FILE", options.file, "Wavefront OBJ file, LightWave object, or byte block of `pack`");
+    command
+        .add_option("--item", options.item, "The layers of this name of a LightWave object [all]")
+        ->type_name("NAME");
     command.add_flag("--no-check-quads", options.is_unchecked,
                      "Keep every 4-gon as a quad, even one that is not convex");
     if (need == ToolFileNeed::REQUIRED) {
@@ -111,7 +144,7 @@ bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh&
         status = messages.fail(make_text("the model ", own_model_name, " is not where it belongs"));
         return false;
     }
-    if (!load_file(file, options.is_unchecked, mesh) || is_interrupted()) {
+    if (!load_file(file, options, mesh) || is_interrupted()) {
         status = messages.fail(make_text("cannot load ", std::string_view(file)));
         return false;
     }

@@ -14,13 +14,15 @@
 struct ToolMeshOptions {
     std::string file;
     std::vector<double> sphere;  // segments, rings and perhaps three radii; empty: no sphere
+    std::string item;            // layers of a LightWave object; empty: all
     bool is_unchecked = false;   // keeps every 4-gon as a quad, convex or not
 };
 
 struct ToolMesh {
     std::unique_ptr<PolyMesh> mesh;
-    std::string name;    // of the file without folder and ending; what outputs are called after
-    std::string kind;    // of the file, in words
+    std::string name;  // of the file without folder and ending; what outputs are called after
+    std::string kind;  // of the file, in words
+    bool is_block = false;
     double seconds = 0;  // that loading and building took
 };
 

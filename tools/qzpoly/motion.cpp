@@ -190,3 +190,10 @@ bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& verti
     return options.frames.empty() ? set_velocities(options, vertical, messages, mesh, status)
                                   : set_frames(options, times, messages, mesh, status);
 }
+
+CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {
+    return shutter_times.empty()
+               ? CtxShader()
+               : CtxShader(CtxMotionBlur(GMathTimeSampling(CoreBasicArray<double>(
+                     shutter_times.data(), static_cast<unsigned int>(shutter_times.size())))));
+}

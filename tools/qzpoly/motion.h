@@ -30,3 +30,6 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options);
 bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
                 ToolMessages& messages, PolyMesh& mesh, std::vector<double>& shutter_times,
                 int& status);
+
+// The shutter of a picture that is bounded at these times.
+CtxShader make_shader_ctx(std::vector<double> const& shutter_times);

@@ -6,6 +6,7 @@
 #include <tools/qzpoly/motion.h>
 #include <tools/qzpoly/renderer.h>
 #include <tools/qzpoly/stopwatch.h>
+#include <tools/qzpoly/surface_options.h>
 #include <tools/qzpoly/terminal.h>
 
 #include <cstdio>
@@ -20,29 +21,34 @@ struct RenderOptions {
     ToolMeshOptions mesh;
     ToolCameraOptions camera;
     ToolMotionOptions motion;
+    ToolSurfaceOptions surface;
     ToolRenderSettings settings;
     std::string shade_mode = get_shade_modes()[0].name;
     std::string output;
     unsigned int samples = 0;  // 0: the usual number
+    bool has_edges = false;
+    bool has_hard_edges = false;
     bool is_exact = false;
     bool is_brute_force = false;
 };
 
 void add_picture_options(CLI::App& command, RenderOptions& options) {
-    std::vector<std::string> names;
     std::string meanings = "Colors:";
     for (ToolShadeMode const& mode : get_shade_modes()) {
-        names.emplace_back(mode.name);
         meanings += make_text(meanings.back() == ':' ? " " : "; ", mode.name, ": ", mode.meaning);
     }
     command.add_option("-o,--output", options.output, "PNG file [FILE's name.png]");
     command.add_option("--shade", options.shade_mode, meanings)
-        ->check(CLI::IsMember(names))
+        ->check([](std::string const& name) {
+            return find_shade_mode(name) != nullptr ? std::string() : "no such mode: " + name;
+        })
         ->capture_default_str();
     command.add_option("--uv-map", options.settings.uv_map, "Number of the uv map, from 0");
     command.add_option("--color-map", options.settings.color_map,
                        "Number of the color map, from 0");
-    command.add_flag("--edges", options.settings.has_edges, "Draw the edges of polygons");
+    command.add_flag("--edges", options.has_edges, "Draw the edges of polygons");
+    command.add_flag("--hard-edges", options.has_hard_edges,
+                     "Draw the edges that --smooth finds too sharp to smooth");
     command.add_flag("--exact", options.is_exact, "Test rays without a tolerance at edges");
     command.add_option("--samples", options.samples, "Rays for a pixel [12; in motion 32]")
         ->check(CLI::Range(1u, 4096u));
@@ -76,15 +82,34 @@ bool check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages
     return true;
 }
 
-CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {
-    return shutter_times.empty()
-               ? CtxShader()
-               : CtxShader(CtxMotionBlur(GMathTimeSampling(CoreBasicArray<double>(
-                     shutter_times.data(), static_cast<unsigned int>(shutter_times.size())))));
-}
-
 GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
     return gmath_unit(GMathVec3<double>(options.up[0], options.up[1], options.up[2]));
+}
+
+ToolEdges list_edges(RenderOptions const& options, PolyMesh const& mesh) {
+    if (options.has_hard_edges) {
+        CoreArray<unsigned char> edges;
+        PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, edges);
+        return ToolEdges(edges.begin(), edges.end());
+    }
+    return options.has_edges ? list_visible_edges(mesh) : ToolEdges();
+}
+
+// Finds the property that is to be shown; false after saying that there is none.
+bool find_property(RenderOptions const& options, GeometryObject const& geometry, CtxEval const& ctx,
+                   ToolMessages& messages, ToolPropertyView& view) {
+    std::string const name = get_shown_property(options.shade_mode);
+    if (name.empty()) {
+        return true;
+    }
+    GeometryProperty const* const property =
+        geometry.find_property(CoreString(std::string_view(name)));
+    if (property == nullptr) {
+        messages.fail(make_text("no --property is named ", std::string_view(name)));
+        return false;
+    }
+    view = make_property_view(geometry, ctx, *property);
+    return true;
 }
 
 ToolRenderSettings make_settings(RenderOptions const& options,
@@ -102,16 +127,20 @@ ToolRenderSettings make_settings(RenderOptions const& options,
 }
 
 // Draws the mesh; false after the reason has been shown.
-bool draw(RenderOptions const& options, PolyMesh const& mesh,
+bool draw(RenderOptions const& options, PolyMesh const& mesh, GeometryObject const& geometry,
           std::vector<double> const& shutter_times, ToolMessages& messages, ToolImage& image) {
     CtxShader const shader_ctx = make_shader_ctx(shutter_times);
     CtxEval const ctx(&shader_ctx);
-    ToolExtent const extent = compute_extent(mesh, ctx, shutter_times);
+    ToolExtent const extent = compute_extent(geometry, ctx, shutter_times);
     ToolCamera camera;
     if (!make_camera(options.camera, extent, messages, camera)) {
         return false;
     }
-    ToolRenderSettings const settings = make_settings(options, shutter_times);
+    ToolRenderSettings settings = make_settings(options, shutter_times);
+    settings.edges = list_edges(options, mesh);
+    if (!find_property(options, geometry, ctx, messages, settings.property)) {
+        return false;
+    }
     std::unique_ptr<ToolHitSearch> search;
     if (extent.primitive_boxes.empty()) {
         messages.warn("there is nothing to draw: the mesh has no primitives in reach");
@@ -119,17 +148,20 @@ bool draw(RenderOptions const& options, PolyMesh const& mesh,
         ToolSearchSettings const search_settings = {
             options.is_exact ? GeometryRaytraceCtx::TEST_EXACT : GeometryRaytraceCtx::TEST_TOLERANT,
             shutter_times};
-        search = options.is_brute_force ? make_plain_search(mesh, ctx, search_settings)
-                                        : make_embree_search(mesh, ctx, search_settings,
+        search = options.is_brute_force ? make_plain_search(geometry, ctx, search_settings)
+                                        : make_embree_search(geometry, ctx, search_settings,
                                                              settings.thread_count, messages);
         if (search == nullptr) {
             return false;
         }
     }
     ToolProgress progress("rendering");
-    if (!render(mesh, extent, search.get(), ctx, camera, settings, progress.get_bar(), image)) {
+    if (!render(geometry, extent, search.get(), ctx, camera, settings, progress.get_bar(), image)) {
         messages.fail("stopped");
         return false;
+    }
+    if (settings.property.property != nullptr) {
+        draw_legend(settings.property, image);
     }
     return true;
 }
@@ -143,13 +175,15 @@ int run_render(RenderOptions& options, ToolMessages& messages) {
     }
     std::vector<double> shutter_times;
     ToolImage image;
+    ToolSurface surface;
     if (!load_mesh(options.mesh, messages, mesh, status) ||
         !set_motion(options.motion, get_vertical(options.camera), messages, *mesh.mesh,
                     shutter_times, status)) {
         return status;
     }
     if (!check_maps(options, *mesh.mesh, messages) ||
-        !draw(options, *mesh.mesh, shutter_times, messages, image)) {
+        !make_surface(options.surface, *mesh.mesh, messages, surface) ||
+        !draw(options, *mesh.mesh, *surface.geometry, shutter_times, messages, image)) {
         return is_interrupted() ? tool_interrupted : tool_failure;
     }
     std::string const path = options.output.empty() ? mesh.name + ".png" : options.output;
@@ -171,6 +205,8 @@ void add_render_command(CLI::App& app, ToolSession& session) {
     CLI::App* const command = app.add_subcommand("render", "Render a picture");
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
     add_picture_options(*command, *options);
+    add_surface_options(*command, options->surface);
+    command->get_option("--hard-edges")->needs(command->get_option("--smooth"));
     add_camera_options(*command, options->camera);
     add_motion_options(*command, options->motion);
     command->get_option("--frames")->excludes(command->get_option("FILE"));

@@ -1,6 +1,5 @@
 #include <tools/qzpoly/renderer.h>
 
-#include <tools/qzpoly/edges.h>
 #include <tools/qzpoly/ground.h>
 #include <tools/qzpoly/lighting.h>
 
@@ -120,7 +119,8 @@ class Renderer {
         normal = gmath_length(normal) > 0.5 ? normal : flat;
 
         ToolColor color = m_settings.shade_mode->get_color(
-            {m_geometry, ctx, fragment, normal, is_front, m_settings.uv_map, m_settings.color_map});
+            {m_geometry, ctx, fragment, normal, is_front, m_settings.uv_map, m_settings.color_map,
+             &m_settings.property});
         if (m_settings.shade_mode->is_lit) {
             ToolColor const light =
                 m_lighting.compute(*m_search, ctx, get_shadow_start(surface, flat, is_front),
@@ -128,8 +128,9 @@ class Renderer {
             color = {soften(color.x * light.x), soften(color.y * light.y),
                      soften(color.z * light.z)};
         }
-        if (m_settings.has_edges) {
-            float const cover = compute_edge_cover(m_geometry, ctx, fragment, m_camera, px, py);
+        if (!m_settings.edges.empty()) {
+            float const cover =
+                compute_edge_cover(m_geometry, m_settings.edges, ctx, fragment, m_camera, px, py);
             color = color * (1 - cover * (1 - edge_shade));
         }
         return color;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tools/qzpoly/camera.h>
+#include <tools/qzpoly/edges.h>
 #include <tools/qzpoly/hit_search.h>
 #include <tools/qzpoly/image.h>
 #include <tools/qzpoly/shading.h>
@@ -11,7 +12,8 @@ struct ToolRenderSettings {
     ToolShadeMode const* shade_mode = nullptr;
     unsigned int uv_map = 0;
     unsigned int color_map = 0;
-    bool has_edges = false;
+    ToolPropertyView property;  // for a mode that shows one
+    ToolEdges edges;            // to draw; empty: none
     unsigned int samples_per_pixel = 1;
     unsigned int thread_count = 1;
     double shutter_open = 0;  // sample times lie between these

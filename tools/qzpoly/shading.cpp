@@ -83,6 +83,12 @@ ToolColor shade_facing(ToolShadePoint const& point) {
     return point.is_front ? from_display(0.36f, 0.62f, 0.86f) : from_display(0.90f, 0.36f, 0.28f);
 }
 
+ToolColor shade_property(ToolShadePoint const& point) {
+    return get_property_color(*point.property, point.ctx, point.fragment);
+}
+
+constexpr std::string_view property_prefix = "property:";
+
 }  // namespace
 
 std::vector<ToolShadeMode> const& get_shade_modes() {
@@ -94,15 +100,21 @@ std::vector<ToolShadeMode> const& get_shade_modes() {
         {"group", "a color by shading group", true, &shade_group},
         {"primitive", "a color by primitive", true, &shade_primitive},
         {"facing", "front sides blue, back sides red", true, &shade_facing},
+        {"property:NAME", "a property, in false colors or as a color", false, &shade_property},
     };
     return s_modes;
 }
 
 ToolShadeMode const* find_shade_mode(std::string const& name) {
+    bool const is_property = name.starts_with(property_prefix);
     for (ToolShadeMode const& mode : get_shade_modes()) {
-        if (mode.name == name) {
+        if (is_property ? mode.get_color == &shade_property : mode.name == name) {
             return &mode;
         }
     }
     return nullptr;
+}
+
+std::string get_shown_property(std::string const& name) {
+    return name.starts_with(property_prefix) ? name.substr(property_prefix.size()) : std::string();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tools/qzpoly/image.h>
+#include <tools/qzpoly/property_view.h>
 
 #include <platform/qz_geometry.h>
 
@@ -16,6 +17,7 @@ struct ToolShadePoint {
     bool is_front;             // seen from the side that corners run around counter-clockwise
     unsigned int uv_map;
     unsigned int color_map;
+    ToolPropertyView const* property;  // null unless one is to be shown
 };
 
 // A way to colour a geometry. A new one is a row in the table.
@@ -28,5 +30,7 @@ struct ToolShadeMode {
 
 // The modes in the order of their help; the first is the usual one.
 std::vector<ToolShadeMode> const& get_shade_modes();
-// Null for an unknown name.
+// Null for an unknown name. A mode that shows a property is named with it, as "property:density".
 ToolShadeMode const* find_shade_mode(std::string const& name);
+// The property in the name of a mode; empty without one.
+std::string get_shown_property(std::string const& name);

@@ -1,0 +1,41 @@
+#include <tools/qzpoly/commands.h>
+
+#include <tools/qzpoly/mesh_dump.h>
+#include <tools/qzpoly/mesh_source.h>
+
+namespace {
+
+struct DumpOptions {
+    ToolMeshOptions mesh;
+    std::vector<double> smoothing_angles;
+    bool digests = false;
+};
+
+int run_dump(DumpOptions const& options, ToolMessages& messages) {
+    int status = tool_failure;
+    ToolMesh mesh;
+    if (!load_mesh(options.mesh, messages, mesh, status)) {
+        return status;
+    }
+    DumpWriter writer(stdout, options.digests);
+    dump_mesh(*mesh.mesh, {!options.mesh.is_unchecked, options.smoothing_angles}, writer);
+    return writer.finish() ? tool_success : messages.fail("cannot write the dump");
+}
+
+}  // namespace
+
+void add_dump_command(CLI::App& app, ToolSession& session) {
+    auto const options = std::make_shared<DumpOptions>();
+    CLI::App* const command =
+        app.add_subcommand("dump", "Print every array of a mesh, stored or computed, as JSON");
+    add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
+    command->add_flag("--digest", options->digests,
+                      "Arrays of more than 64 entries as their count and hash");
+    command
+        ->add_option("--smooth", options->smoothing_angles,
+                     "Add the normals smoothed up to this angle; may be repeated")
+        ->type_name("DEGREES")
+        ->take_all();
+    command->callback(
+        [options, &session] { session.status = run_dump(*options, session.messages); });
+}

@@ -1,0 +1,49 @@
+#include <tools/qzpoly/surface_options.h>
+
+#include <tools/qzpoly/property_file.h>
+
+void add_surface_options(CLI::App& command, ToolSurfaceOptions& options) {
+    options.smooth = command
+                         .add_option("--smooth", options.smoothing_angle,
+                                     "Smooth the normals across edges below this angle")
+                         ->type_name("DEGREES")
+                         ->check(CLI::Range(0.0, 180.0));
+    command.add_option("--normal-map", options.normal_map,
+                       "Shade with this normal map of the file, from 0");
+    add_property_option(command, options);
+}
+
+void add_property_option(CLI::App& command, ToolSurfaceOptions& options) {
+    command
+        .add_option("--property", options.property_files,
+                    "Attach the property of a JSON file; may be repeated")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+}
+
+bool make_surface(ToolSurfaceOptions const& options, PolyMesh& mesh, ToolMessages& messages,
+                  ToolSurface& surface) {
+    bool const has_normal_map = options.normal_map != 0xFFFFFFFFu;
+    if (has_normal_map && options.normal_map >= mesh.get_normal_map_count()) {
+        messages.fail(make_text("--normal-map ", options.normal_map, ": the mesh has ",
+                                mesh.get_normal_map_count()));
+        return false;
+    }
+    surface.geometry = &mesh;
+    if (has_normal_map || (options.smooth != nullptr && options.smooth->count() != 0)) {
+        surface.smoothed = std::make_unique<PolyMeshSmoothed>();
+        surface.smoothed->set(mesh, options.smoothing_angle, options.normal_map, nullptr);
+        surface.geometry = surface.smoothed.get();
+    }
+    GeometryObject& owner = surface.smoothed ? static_cast<GeometryObject&>(*surface.smoothed)
+                                             : static_cast<GeometryObject&>(mesh);
+    for (std::string const& file : options.property_files) {
+        std::unique_ptr<PolyMeshProperty> property = load_property(file, mesh, messages);
+        if (!property) {
+            return false;
+        }
+        owner.add_property(*property);
+        surface.properties.push_back(std::move(property));
+    }
+    return true;
+}
