@@ -1,79 +1,150 @@
 #include <poly/topology/neighbourhood.h>
 
+#include <poly/topology/edge_table.h>
+
 #include <algorithm>
 
 namespace {
 
 constexpr unsigned int none = 0xFFFFFFFFu;
 
-// The edges seen so far, as a linked list for each start vertex. Of the edges of one vertex pair
-// only the first is listed.
-class EdgeLists {
+// Faces of `face_size` corners each, and the links of their edges by number.
+template <unsigned int face_size>
+class EqualFaces {
   public:
-    struct Record {
-        unsigned int face;
-        unsigned int edge;
-        unsigned int end;
-        unsigned int next;
-    };
+    using Edge = unsigned int;
 
-    explicit EdgeLists(unsigned int const& vertex_count) : m_heads(vertex_count) {
-        m_heads.fill(none);
+    EqualFaces(CoreBasicArray<unsigned int> const& indices, CoreArray<unsigned int>& neighbours)
+        : m_vertices(indices.get_data()),
+          m_neighbours(neighbours.get_data()),
+          m_count(indices.get_count() / face_size) {
+        // What does not make up a face.
+        std::fill(m_neighbours + m_count * face_size, neighbours.end(), none);
     }
 
-    // The listed edge from `start` to `end`, or null.
-    Record const* find(unsigned int const& start, unsigned int const& end) const {
-        for (unsigned int i = m_heads[start]; i != none; i = m_records[i].next) {
-            if (m_records[i].end == end) {
-                return &m_records[i];
-            }
-        }
-        return nullptr;
+    unsigned int get_count() const { return m_count; }
+    unsigned int get_edge_count() const { return m_count * face_size; }
+    constexpr unsigned int get_size(unsigned int const&) const { return face_size; }
+    unsigned int const* get_vertices(unsigned int const& face) const {
+        return m_vertices + face * face_size;
     }
-    void add(unsigned int const& start, unsigned int const& end, unsigned int const& face,
-             unsigned int const& edge) {
-        m_records.append({face, edge, end, m_heads[start]});
-        m_heads[start] = m_records.get_count() - 1;
+    Edge get_edge(unsigned int const& face, unsigned int const& k) const {
+        return face * face_size + k;
+    }
+
+    void clear(unsigned int const& face) {
+        std::fill_n(m_neighbours + face * face_size, face_size, none);
+    }
+
+    // Takes `edge` into the ring of `first`, the first edge on the same two vertices.
+    void link(Edge const& edge, Edge const& first) {
+        m_neighbours[edge] = m_neighbours[first] != none ? m_neighbours[first] : first;
+        m_neighbours[first] = edge;
     }
 
   private:
-    CoreArray<unsigned int> m_heads;
-    CoreArray<Record> m_records;
+    unsigned int const* m_vertices;
+    unsigned int* m_neighbours;
+    unsigned int m_count;
 };
 
-bool has_invalid_corner(unsigned int const* vertices, unsigned int const& count) {
-    return std::find(vertices, vertices + count, none) != vertices + count;
+struct PolygonEdge {
+    unsigned int polygon;
+    unsigned int k;
+};
+
+// Polygons of any size, and the links of their edges.
+class PolygonFaces {
+  public:
+    using Edge = PolygonEdge;
+
+    CoreBasicArray<unsigned int> const& vertices;
+    CoreBasicArray<unsigned int> const& sizes;
+    CoreBasicArray<unsigned int> const& offsets;
+    CoreArray<unsigned int>& neighbour_polygons;
+    CoreArray<unsigned int>& neighbour_edges;
+    CoreArray<unsigned char>& edge_manifold;
+
+    unsigned int get_count() const { return sizes.get_count(); }
+    unsigned int get_edge_count() const { return vertices.get_count(); }
+    unsigned int get_size(unsigned int const& face) const { return sizes[face]; }
+    unsigned int const* get_vertices(unsigned int const& face) const {
+        return vertices.get_data() + offsets[face];
+    }
+    Edge get_edge(unsigned int const& face, unsigned int const& k) const { return {face, k}; }
+
+    void clear(unsigned int const& face) {
+        unsigned int const offset = offsets[face];
+        std::fill_n(neighbour_polygons.get_data() + offset, sizes[face], none);
+        std::fill_n(neighbour_edges.get_data() + offset, sizes[face], none);
+        std::fill_n(edge_manifold.get_data() + offset, sizes[face], static_cast<unsigned char>(0));
+    }
+
+    void link(Edge const& edge, Edge const& first) {
+        unsigned int const slot = offsets[edge.polygon] + edge.k;
+        unsigned int const first_slot = offsets[first.polygon] + first.k;
+        // Two edges on one vertex pair run the same way where they start at the same vertex.
+        bool const is_opposite = vertices[slot] != vertices[first_slot];
+        unsigned int const polygon = neighbour_polygons[first_slot];
+        unsigned int const k = neighbour_edges[first_slot];
+        if (polygon == none) {
+            neighbour_polygons[slot] = first.polygon;
+            neighbour_edges[slot] = first.k;
+            edge_manifold[slot] = is_opposite ? 1 : 0;
+            edge_manifold[first_slot] = is_opposite ? 1 : 0;
+        } else {
+            neighbour_polygons[slot] = polygon;
+            neighbour_edges[slot] = k;
+            edge_manifold[first_slot] = 0;
+            edge_manifold[offsets[polygon] + k] = 0;
+        }
+        neighbour_polygons[first_slot] = edge.polygon;
+        neighbour_edges[first_slot] = edge.k;
+    }
+};
+
+template <typename Faces>
+bool is_valid(Faces const& faces, unsigned int const& face) {
+    unsigned int const* const vertices = faces.get_vertices(face);
+    bool is_face_valid = true;
+    for (unsigned int k = 0; k < faces.get_size(face); ++k) {
+        is_face_valid = is_face_valid && vertices[k] != none;
+    }
+    return is_face_valid;
 }
 
-template <unsigned int face_size>
-void compute_face_neighbourhood(CoreArray<unsigned int>& neighbours,
-                                CoreBasicArray<unsigned int> const& indices,
-                                unsigned int const& vertex_count, AppProgressBar* progress) {
-    unsigned int const face_count = indices.get_count() / face_size;
-    neighbours.reset(indices.get_count());
-    neighbours.fill(none);
-    EdgeLists lists(vertex_count);
+// Calls `visit(k, a, b)` for each edge of a face, k running from a to another vertex b.
+template <typename Faces, typename Visit>
+void visit_edges(Faces const& faces, unsigned int const& face, Visit const& visit) {
+    unsigned int const* const vertices = faces.get_vertices(face);
+    unsigned int const size = faces.get_size(face);
+    for (unsigned int k = 0; k < size; ++k) {
+        unsigned int const a = vertices[k];
+        unsigned int const b = vertices[k + 1 == size ? 0 : k + 1];
+        if (a != b) {
+            visit(k, a, b);
+        }
+    }
+}
+
+// Links each edge with the first one on the same two vertices, in the order of the faces.
+template <typename Faces>
+void link_edges(Faces& faces, unsigned int const& vertex_count, AppProgressBar* progress) {
+    using Edge = typename Faces::Edge;
+    unsigned int const face_count = faces.get_count();
     if (progress) {
         progress->set_step_count(face_count);
     }
+    EdgeTable<Edge> table(vertex_count, faces.get_edge_count());
     for (unsigned int face = 0; face < face_count; ++face) {
-        unsigned int const first = face * face_size;
-        unsigned int const* const v = indices.get_data() + first;
-        for (unsigned int k = 0; k < face_size && !has_invalid_corner(v, face_size); ++k) {
-            unsigned int const a = v[k];
-            unsigned int const b = v[(k + 1) % face_size];
-            if (a == b) {
-                continue;
-            }
-            EdgeLists::Record const* found = lists.find(b, a);
-            found = found ? found : lists.find(a, b);
-            if (!found) {
-                lists.add(a, b, face, first + k);
-                continue;
-            }
-            unsigned int const f = found->edge;
-            neighbours[first + k] = neighbours[f] != none ? neighbours[f] : f;
-            neighbours[f] = first + k;
+        faces.clear(face);
+        if (is_valid(faces, face)) {
+            visit_edges(faces, face, [&](unsigned int k, unsigned int a, unsigned int b) {
+                Edge const edge = faces.get_edge(face, k);
+                if (Edge const* const first = table.find_or_add(a, b, edge)) {
+                    faces.link(edge, *first);
+                }
+            });
         }
         if (progress) {
             progress->step(face + 1);
@@ -81,50 +152,27 @@ void compute_face_neighbourhood(CoreArray<unsigned int>& neighbours,
     }
 }
 
-// The outputs of the polygon form, and the splicing of an edge into what they hold.
-struct PolygonLinks {
-    CoreArray<unsigned int>& polygons;
-    CoreArray<unsigned int>& edges;
-    CoreArray<unsigned char>& manifold;
-    CoreBasicArray<unsigned int> const& offsets;
-
-    void link(unsigned int const& polygon, unsigned int const& edge, EdgeLists::Record const& found,
-              bool const& is_opposite) {
-        unsigned int const slot = offsets[polygon] + edge;
-        unsigned int const other = offsets[found.face] + found.edge;
-        if (polygons[other] == none) {
-            polygons[slot] = found.face;
-            edges[slot] = found.edge;
-            if (is_opposite) {
-                manifold[slot] = 1;
-                manifold[other] = 1;
-            }
-        } else {
-            polygons[slot] = polygons[other];
-            edges[slot] = edges[other];
-            manifold[other] = 0;
-            manifold[offsets[polygons[other]] + edges[other]] = 0;
-        }
-        polygons[other] = polygon;
-        edges[other] = edge;
-        if (!is_opposite) {
-            manifold[other] = 0;
-        }
-    }
-};
+template <unsigned int face_size>
+void link_equal_faces(CoreArray<unsigned int>& neighbours,
+                      CoreBasicArray<unsigned int> const& indices, unsigned int const& vertex_count,
+                      AppProgressBar* progress) {
+    neighbours.reset(indices.get_count());
+    EqualFaces<face_size> faces(indices, neighbours);
+    link_edges(faces, vertex_count, progress);
+}
 
 }  // namespace
 
 void compute_triangles_neighbourhood(CoreArray<unsigned int>& neighbours,
                                      CoreBasicArray<unsigned int> const& indices,
                                      unsigned int const& vertex_count, AppProgressBar* progress) {
-    compute_face_neighbourhood<3>(neighbours, indices, vertex_count, progress);
+    link_equal_faces<3>(neighbours, indices, vertex_count, progress);
 }
 
 void compute_quads_neighbourhood(CoreArray<unsigned int>& neighbours,
                                  CoreBasicArray<unsigned int> const& indices,
                                  unsigned int const& vertex_count, AppProgressBar* progress) {
-    compute_face_neighbourhood<4>(neighbours, indices, vertex_count, progress);
+    link_equal_faces<4>(neighbours, indices, vertex_count, progress);
 }
 
 void compute_polygons_neighbourhood(CoreArray<unsigned int>& neighbour_polygons,
@@ -134,39 +182,10 @@ void compute_polygons_neighbourhood(CoreArray<unsigned int>& neighbour_polygons,
                                     CoreBasicArray<unsigned int> const& polygon_vertex_count,
                                     CoreBasicArray<unsigned int> const& polygon_offsets,
                                     unsigned int const& vertex_count, AppProgressBar* progress) {
-    unsigned int const corner_count = polygon_vertex_indices.get_count();
-    unsigned int const polygon_count = polygon_vertex_count.get_count();
-    neighbour_polygons.reset(corner_count);
-    neighbour_edges.reset(corner_count);
-    edge_manifold.reset(corner_count);
-    neighbour_polygons.fill(none);
-    neighbour_edges.fill(none);
-    edge_manifold.fill(0);
-    EdgeLists lists(vertex_count);
-    PolygonLinks links{neighbour_polygons, neighbour_edges, edge_manifold, polygon_offsets};
-    if (progress) {
-        progress->set_step_count(polygon_count);
-    }
-    for (unsigned int polygon = 0; polygon < polygon_count; ++polygon) {
-        unsigned int const n = polygon_vertex_count[polygon];
-        unsigned int const* const v = polygon_vertex_indices.get_data() + polygon_offsets[polygon];
-        bool const is_valid = !has_invalid_corner(v, n);
-        for (unsigned int k = 0; k < n && is_valid; ++k) {
-            unsigned int const a = v[k];
-            unsigned int const b = v[k + 1 == n ? 0 : k + 1];
-            if (a == b) {
-                continue;
-            }
-            EdgeLists::Record const* const opposite = lists.find(b, a);
-            EdgeLists::Record const* const found = opposite ? opposite : lists.find(a, b);
-            if (found) {
-                links.link(polygon, k, *found, opposite != nullptr);
-            } else {
-                lists.add(a, b, polygon, k);
-            }
-        }
-        if (progress) {
-            progress->step(polygon + 1);
-        }
-    }
+    neighbour_polygons.reset(polygon_vertex_indices.get_count());
+    neighbour_edges.reset(polygon_vertex_indices.get_count());
+    edge_manifold.reset(polygon_vertex_indices.get_count());
+    PolygonFaces faces{polygon_vertex_indices, polygon_vertex_count, polygon_offsets,
+                       neighbour_polygons,     neighbour_edges,      edge_manifold};
+    link_edges(faces, vertex_count, progress);
 }
