@@ -74,7 +74,13 @@ TEST(NormalMaps, StoreOnlyWhatOtherNormalsDoNotSay) {
          {0, 0, 0, 4, 4, 1, 1, 1},
          {absent, 1, 1, absent, absent, absent, absent, 3},
          0},
-        {"one flat normal of two", make_folded_quad(), {{0, 0, 1}}, {0, 0, 0, 0}, {4, 5, 6, 3}, 3},
+        {"the first flat normal of two",
+         make_folded_quad(),
+         {{-1, 1, 1}},
+         {0, 0, 0, 0},
+         {4, 1, 1, 1},
+         1},
+        {"the second", make_folded_quad(), {{0, 0, 1}}, {0, 0, 0, 0}, {4, 5, 6, 3}, 3},
         {"both flat normals", make_square(), {{0, 0, 7}}, {0, 0, 0, 0}, {0, 0, 0, 0}, 0},
     };
     for (Row const& row : rows) {
