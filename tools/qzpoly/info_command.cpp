@@ -44,9 +44,9 @@ void print_text(ToolMesh const& mesh, ToolMeshFacts const& facts) {
     }
     print_line("primitives  ", facts.primitive_count, ": ", facts.triangle_count, " triangles, ",
                facts.quad_count, " quads");
-    if (facts.missing_triangle_count != 0) {
-        print_line("            ", facts.missing_triangle_count,
-                   " triangles missing, of polygons that cannot be cut");
+    if (facts.degenerate_count != 0) {
+        print_line("            ", facts.degenerate_count,
+                   " degenerate, of polygons that cannot be cut well");
     }
     for (ToolGroupFacts const& group : facts.groups) {
         print_line("group       ", std::string_view(group.name), ": ", group.polygon_count,
@@ -112,7 +112,7 @@ ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
             {"primitives", facts.primitive_count},
             {"triangles", facts.triangle_count},
             {"quads", facts.quad_count},
-            {"missing_triangles", facts.missing_triangle_count},
+            {"degenerate_triangles", facts.degenerate_count},
             {"groups", groups},
             {"maps", maps},
             {"properties", list_properties(*mesh.mesh)},

@@ -29,7 +29,7 @@ PolygonPrimitives count_primitives(PolyMesh const& mesh, ToolMeshFacts& facts) {
     return built;
 }
 
-// Cuts once more what the mesh was cut from, and counts the triangles that are missing.
+// Cuts once more what the mesh was cut from, and counts the triangles that cutting fell short of.
 void count_polygons(PolyMesh const& mesh, PolygonPrimitives const& built, ToolMeshFacts& facts) {
     CoreArray<GMathVec3<float>> positions;
     CoreArray<unsigned int> counts;
@@ -46,7 +46,7 @@ void count_polygons(PolyMesh const& mesh, PolygonPrimitives const& built, ToolMe
             triangles.resize(std::size_t(3) * (corner_count - 2));
             unsigned int const written =
                 triangulate_polygon(positions.get_data(), corners, corner_count, triangles.data());
-            facts.missing_triangle_count += corner_count - 2 - written / 3;
+            facts.degenerate_count += corner_count - 2 - written / 3;
         }
         corners += corner_count;
     }

@@ -27,7 +27,7 @@ struct ToolMeshFacts {
     unsigned int primitive_count = 0;
     unsigned int triangle_count = 0;
     unsigned int quad_count = 0;
-    unsigned int missing_triangle_count = 0;  // that cutting polygons fell short of
+    unsigned int degenerate_count = 0;  // triangles of polygons that could only be cut into a fan
     unsigned int crease_count = 0;
     std::vector<ToolGroupFacts> groups;
     std::vector<ToolMapFacts> maps;
