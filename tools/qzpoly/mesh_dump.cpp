@@ -81,7 +81,7 @@ void dump_primitives(PolyMesh const& mesh, DumpWriter& writer) {
     writer.write("primitive_index_count", topology.primitive_index_count);
     writer.write("triangle_count", topology.triangle_count);
     writer.write("quad_count", topology.quad_count);
-    writer.write("degenerate_count", find_facts(mesh).missing_triangle_count);
+    writer.write("degenerate_count", find_facts(mesh).degenerate_count);
     write(writer, "get_primitive_indices", indices);
 }
 
