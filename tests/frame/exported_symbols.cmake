@@ -3,6 +3,20 @@
 
 # What a program needs first of each exported class and function.
 set(needed
+    "typeinfo for PolyMeshBase"
+    "typeinfo for PolyMesh"
+    "typeinfo for PolyMeshSmoothed"
+    "typeinfo for PolyMeshProperty"
+    "PolyMeshBase::class_info\\(\\)"
+    "PolyMesh::class_info\\(\\)"
+    "PolyMeshSmoothed::class_info\\(\\)"
+    "PolyMeshProperty::class_info\\(\\)"
+    "PolyHelpers::create_poly_sphere\\(.*"
+    "triangulate_polygon\\(.*"
+    "reverse_poly_order\\(.*"
+    "compute_triangles_neighbourhood\\(.*"
+    "compute_quads_neighbourhood\\(.*"
+    "compute_polygons_neighbourhood\\(.*"
 )
 
 set(classes "(PolyMesh|PolyMeshBase|PolyMeshSmoothed|PolyMeshProperty|PolyHelpers)")
