@@ -2,6 +2,15 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
+
+namespace {
+
+bool is_same(CoreArray<unsigned int> const& indices, ObjList<unsigned int> const& corners) {
+    return std::equal(indices.begin(), indices.end(), corners.get_data());
+}
+
+}  // namespace
 
 void ObjMap::add_corner(unsigned int const& vertex, unsigned int const& index,
                         ObjList<unsigned int> const& corners, ObjProgress& progress) {
@@ -28,6 +37,10 @@ bool ObjMap::finish(ObjList<unsigned int> const& corners, unsigned int const& po
         return false;
     }
     unsigned int const value_count = values.get_count();
+    if (value_count == 0 && m_state == SAME) {
+        report.warn_at(ObjReport::MAP_INDEX, forward.line, corners.get_count());
+        return false;
+    }
     bool const is_dangling = forward.is_beyond(value_count);
     if (m_state == SAME && (is_dangling || value_count != point_count)) {
         list(corners, progress);
@@ -35,15 +48,14 @@ bool ObjMap::finish(ObjList<unsigned int> const& corners, unsigned int const& po
     if (is_dangling) {
         drop_dangling(progress, report);
     }
-    if (m_state == LISTED) {
-        unsigned int const* const indices = m_indices.get_data();
-        unsigned int const* const end = indices + m_indices.get_count();
-        if (std::all_of(indices, end, [](unsigned int const& i) { return i == no_index; })) {
-            return false;
-        }
-        if (value_count != point_count || !is_same_as(corners)) {
-            map.indices = m_indices.take();
-        }
+    CoreArray<unsigned int> indices = m_indices.take();
+    if (std::all_of(indices.begin(), indices.end(),
+                    [](unsigned int const& index) { return index == no_index; }) &&
+        m_state == LISTED) {
+        return false;
+    }
+    if (value_count != point_count || !is_same(indices, corners)) {
+        map.indices = std::move(indices);
     }
     map.values = values.take();
     return true;
@@ -83,9 +95,4 @@ void ObjMap::drop_dangling(ObjProgress& progress, ObjReport& report) {
     if (dropped != 0) {
         report.warn_at(ObjReport::MAP_INDEX, forward.line, dropped);
     }
-}
-
-bool ObjMap::is_same_as(ObjList<unsigned int> const& corners) const {
-    return std::equal(corners.get_data(), corners.get_data() + corners.get_count(),
-                      m_indices.get_data());
 }

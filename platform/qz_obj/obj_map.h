@@ -48,7 +48,6 @@ class ObjMap {
   private:
     void list(ObjList<unsigned int> const& corners, ObjProgress& progress);
     void drop_dangling(ObjProgress& progress, ObjReport& report);
-    bool is_same_as(ObjList<unsigned int> const& corners) const;
 
     ObjList<unsigned int> m_indices;
     State m_state = ABSENT;

@@ -11,18 +11,30 @@ struct IndexCursor {
     char const* at;
     std::uint64_t non_digits;
 
-    // Reads an index of up to 8 digits that counts from 1 as one that counts from 0; index 0
-    // becomes the highest of all, which no value has.
-    bool read(unsigned int& index) {
+    // Reads an index of up to 8 digits that counts from 1, or backwards from the `value_count`
+    // values so far, as one that counts from 0. Those that are not there come out as `value_count`
+    // or more.
+    bool read(unsigned int& index, unsigned int const& value_count) {
         if (non_digits == 0) [[unlikely]] {
             non_digits = marks.get_non_digits(at);
         }
         unsigned int const length = static_cast<unsigned int>(std::countr_zero(non_digits));
         if (length - 1 > 7) [[unlikely]] {
-            return false;
+            return *at == '-' && read_relative(index, value_count);
         }
         index = obj_join_digits(at, length) - 1;
         skip(length);
+        return true;
+    }
+
+    bool read_relative(unsigned int& index, unsigned int const& value_count) {
+        unsigned int const length =
+            static_cast<unsigned int>(std::countr_zero(marks.get_non_digits(at + 1)));
+        if (length - 1 > 7) {
+            return false;
+        }
+        index = value_count - obj_join_digits(at + 1, length);
+        skip(length + 1);
         return true;
     }
 
@@ -55,7 +67,7 @@ struct IndexColumn {
 
     bool read(IndexCursor& cursor, unsigned int const& number, unsigned int const& point) {
         unsigned int index;
-        if (!cursor.read(index)) [[unlikely]] {
+        if (!cursor.read(index, value_count)) [[unlikely]] {
             return false;
         }
         end[number] = index;
@@ -93,14 +105,14 @@ void commit(ObjMap& map, unsigned int const& corner_count) {
 
 // Reads the corners of a face, and stops at its line end. False: the line is not plain.
 template <bool has_uv, bool has_normal>
-bool read_corners(IndexCursor& cursor, unsigned int* points, unsigned int& highest_point,
-                  unsigned int& corner_count, IndexColumn<has_uv>& uvs,
+bool read_corners(IndexCursor& cursor, unsigned int const& point_count, unsigned int* points,
+                  unsigned int& highest_point, unsigned int& corner_count, IndexColumn<has_uv>& uvs,
                   IndexColumn<has_normal>& normals) {
     unsigned int highest = 0;
     unsigned int count = 0;
     for (;; ++count) {
         unsigned int point;
-        if (!cursor.read(point)) [[unlikely]] {
+        if (!cursor.read(point, point_count)) [[unlikely]] {
             // More blanks, or one at the end of the line.
             if (!obj_is_blank(cursor.at) && !obj_is_line_end(cursor.at)) {
                 return false;
@@ -109,7 +121,7 @@ bool read_corners(IndexCursor& cursor, unsigned int* points, unsigned int& highe
             if (obj_is_line_end(cursor.at)) {
                 break;
             }
-            if (!cursor.read(point)) {
+            if (!cursor.read(point, point_count)) {
                 return false;
             }
         }
@@ -166,7 +178,7 @@ char const* read_faces(ObjText const& text, char const* begin, ObjBuilder& build
         IndexCursor cursor{*text.marks, first, text.marks->get_non_digits(first)};
         unsigned int highest;
         unsigned int corner_count;
-        if (!read_corners(cursor, corner, highest, corner_count, uvs, normals) ||
+        if (!read_corners(cursor, point_count, corner, highest, corner_count, uvs, normals) ||
             cursor.at >= end || corner_count < 3 || highest >= point_count || !uvs.is_fitting() ||
             !normals.is_fitting()) [[unlikely]] {
             break;

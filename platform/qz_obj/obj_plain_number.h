@@ -93,6 +93,14 @@ inline double obj_scale_digits(char const* digits, unsigned int const& before_po
 
 #endif
 
+// A value half way between two floats lies within `slack` steps of the lowest bit of `value`.
+inline bool obj_is_near_half_way(double const& value, std::uint64_t const& slack) {
+    constexpr std::uint64_t dropped_bits = (1ull << 29) - 1;
+    constexpr std::uint64_t half_way = 1ull << 28;
+    std::uint64_t const bits = std::bit_cast<std::uint64_t>(value);
+    return ((bits - (half_way - slack)) & dropped_bits) <= 2 * slack;
+}
+
 // Reads the word of `length` bytes at `word`, 0 to 63, if it is such a number; false leaves `value`
 // alone. `non_digits` has its bit i set where byte i is no digit, the byte behind the word
 // included. 64 bytes must be readable.
@@ -113,13 +121,14 @@ inline bool obj_read_plain_number(char const* word, unsigned int const& length,
     }
     double const result = obj_scale_digits(word + is_negative, before_point, count,
                                            obj_scale_table[before_point + 17 * is_negative]);
-    constexpr std::uint64_t dropped_bits = (1ull << 29) - 1;
-    constexpr std::uint64_t half_way = 1ull << 28;
-    constexpr std::uint64_t slack = 4;
-    if (((std::bit_cast<std::uint64_t>(result) - (half_way - slack)) & dropped_bits) <= 2 * slack)
-        [[unlikely]] {
+    if (obj_is_near_half_way(result, 4)) [[unlikely]] {
         return false;
     }
     value = static_cast<float>(result);
     return true;
 }
+
+// The same for numbers of more digits, of which the first 16 are taken, and with exponents up
+// to 20. When it returns false, there may still be a number.
+bool obj_read_long_number(char const* word, unsigned int const& length,
+                          std::uint64_t const& non_digits, float& value);

@@ -14,7 +14,7 @@ constexpr std::string_view keyword = row == ObjRow::POINT ? "v"
                                      : row == ObjRow::UV  ? "vt"
                                                           : "vn";
 
-// Numbers with exponents, many digits or a plus; not nan and inf, which some rows do not keep.
+// Any number that is wholly one; not nan and inf, which some rows do not keep.
 bool read_rare_number(std::string_view const& word, float& value) {
     bool const is_signed = word[0] == '-' || word[0] == '+';
     char const first = word.size() > 1 && is_signed ? word[1] : word[0];
@@ -26,12 +26,18 @@ bool read_rare_number(std::string_view const& word, float& value) {
 // there is anything else.
 inline char const* read_numbers(ObjMarks const& marks, char const* at, float* numbers,
                                 unsigned int& number_count) {
-    constexpr std::uint64_t beyond = 1ull << 57;  // no word that is read here is as long
     unsigned int count = 0;
     ++at;
-    std::uint64_t ends = marks.get_word_ends(at) | beyond;
+    std::uint64_t ends = marks.get_word_ends(at);
     std::uint64_t non_digits = marks.get_non_digits(at);
     for (;;) {
+        if (ends == 0) [[unlikely]] {
+            ends = marks.get_word_ends(at);
+            non_digits = marks.get_non_digits(at);
+            if (ends == 0) {
+                return nullptr;  // a word of 57 bytes or more
+            }
+        }
         unsigned int const length = static_cast<unsigned int>(std::countr_zero(ends));
         if (count < most_numbers && obj_read_plain_number(at, length, non_digits, numbers[count]))
             [[likely]] {
@@ -45,11 +51,11 @@ inline char const* read_numbers(ObjMarks const& marks, char const* at, float* nu
             if (static_cast<unsigned char>(*at) <= ' ') {
                 return nullptr;
             }
-            ends = marks.get_word_ends(at) | beyond;
-            non_digits = marks.get_non_digits(at);
+            ends = 0;
             continue;
         } else if (count < most_numbers && length < 57 &&
-                   read_rare_number({at, length}, numbers[count])) {
+                   (obj_read_long_number(at, length, non_digits, numbers[count]) ||
+                    read_rare_number({at, length}, numbers[count]))) {
             ++count;
         } else {
             return nullptr;
@@ -66,10 +72,6 @@ inline char const* read_numbers(ObjMarks const& marks, char const* at, float* nu
         ++at;
         ends >>= length + 1;
         non_digits >>= length + 1;
-        if (ends == 0) [[unlikely]] {
-            ends = marks.get_word_ends(at) | beyond;
-            non_digits = marks.get_non_digits(at);
-        }
     }
     number_count = count;
     return at;

@@ -98,6 +98,8 @@ TEST(ObjText, FacesAndMaps) {
         {"4v;vt 5 6\nvn 0 1 0\nf 1 2 3\nf 1/1/1 2/1/1 3/1/1\nf 1/1 2//1 3/ 4//\nf 1/-1/-1 2 3",
          "square; f 0 1 2; f 0 1 2; f 0 1 2 3; f 0 1 2; uv 5 6 0: - - - 0 0 0 0 - - - 0 - -; "
          "normal 0 1 0: - - - 0 0 0 - 0 - - 0 - -"},
+        {"4v;vt 5 6\nvt 7 8\nf 1/1 2/2 3/1\nf -4/-1 -3/-2 -1/-2\nf 1/1 2/-3 3/1\n",
+         "square; f 0 1 2; f 0 1 3; f 0 1 2; uv 5 6 0, 7 8 0: 0 1 0 1 0 0 0 - 0", 1},
         // Indices of a face that is dropped leave no trace.
         {"4v;vt 0 1\nf 1/1 2/1\nf 1 2 3\n", "square; f 0 1 2", 1},
         {"4v;vt 0 1\nvn 1 0 0\nf 1 2 3\n", "square; f 0 1 2"},
@@ -180,6 +182,7 @@ TEST(ObjText, Refusals) {
         {"4v;f 1 2 4294967295\n", 5, "names point 4294967295"},
         {"4v;f 1 2 4294967296\n", 5, "'4294967296'"},
         {"4v;f 1 2 99999999999999999999\n", 5, "without a point that is there"},
+        {"4v;f 1 2 3\nf 1 2 - 3\n", 6, "'-'"},
         {"4v;f 1 2 3x\n", 5, "'3x'"},
         {"4v;f 1 2 3.0\n", 5, "'3.0'"},
         {"4v;f 1 2 /3\n", 5, "'/3'"},
