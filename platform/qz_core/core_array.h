@@ -37,8 +37,8 @@ class CoreBasicArray {
 };
 
 // An owning array that grows. Copies are deep and hold exactly their elements. New elements of a
-// trivially copyable type are left uninitialised; others are default-constructed. An array without elements
-// may still have storage; `clear` gives it back.
+// trivially copyable type are left uninitialised; others are default-constructed. An array without
+// elements may still have storage; `clear` gives it back.
 template <typename T>
 class CoreArray : public CoreBasicArray<T> {
     using Base = CoreBasicArray<T>;

@@ -6,8 +6,8 @@
 namespace {
 
 unsigned int get_width(unsigned int const& largest) {
-    return static_cast<unsigned int>(
-        std::min(32, static_cast<int>(std::bit_width(static_cast<unsigned long long>(largest) + 1))));
+    return static_cast<unsigned int>(std::min(
+        32, static_cast<int>(std::bit_width(static_cast<unsigned long long>(largest) + 1))));
 }
 
 // Largest present value plus one; absent entries wrap to 0.

@@ -70,8 +70,8 @@ unsigned long long GeometryCompressedVertices::get_memory_size() const {
            (m_is_compressed ? sizeof(GMathBbox3<float>) : 0);
 }
 
-GeometryCompressedVertices::Packed GeometryCompressedVertices::encode(
-    GMathVec3<float> const& value) const {
+GeometryCompressedVertices::Packed
+GeometryCompressedVertices::encode(GMathVec3<float> const& value) const {
     return {encode_component(value.x, m_minimum.x, m_extent.x),
             encode_component(value.y, m_minimum.y, m_extent.y),
             encode_component(value.z, m_minimum.z, m_extent.z)};

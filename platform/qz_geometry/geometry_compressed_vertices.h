@@ -11,7 +11,8 @@ class QZ_GEOMETRY_EXPORT GeometryCompressedVertices {
   public:
     // Keeps `values`; compressed, within the box of them all (NaN components left out).
     void copy_from(CoreBasicArray<GMathVec3<float>> const& values, bool const& is_compressed);
-    // The same within a given box: components outside are moved to its border, a NaN to its minimum.
+    // The same within a given box: components outside are moved to its border, a NaN to its
+    // minimum.
     void copy_from(CoreBasicArray<GMathVec3<float>> const& values, GMathBbox3<float> const& box,
                    bool const& is_compressed);
 

@@ -106,7 +106,8 @@ void GeometryPointCloud::init_support(GeometryDescriptor const& geometry,
     data.support_geometries.reset(1);
     data.support_geometries[0] = geometry;
     data.geometry_indices.clear();
-    data.primitive_indices.copy_from(CoreBasicArray<unsigned int>(primitive_indices, data.point_count));
+    data.primitive_indices.copy_from(
+        CoreBasicArray<unsigned int>(primitive_indices, data.point_count));
     data.primitive_uvs.reset(data.point_count);
     for (unsigned int i = 0; i < data.point_count; ++i) {
         data.primitive_uvs[i] = {encode_parameter(primitive_uvs[i].x),

@@ -21,16 +21,16 @@ class QZ_GEOMETRY_EXPORT GeometrySampleProvider {
 
 // The arrays of a point cloud. Shared by clouds until one of them writes.
 //
-// | field              | length                | meaning                                           |
-// |--------------------|-----------------------|---------------------------------------------------|
-// | positions          | point count, or 0     | at rest                                           |
-// | normals            | point count, or 0     |                                                   |
-// | velocities         | point count, or 0     | units per time, applied linearly from time 0      |
-// | support_geometries | 0 or 1                | the geometry that the points lie on               |
-// | geometry_indices   | 0                     | empty: all points lie on support geometry 0       |
-// | primitive_indices  | point count, or 0     | the primitive that carries the point, or absent   |
-// | primitive_uvs      | point count, or 0     | where on it: (s, t) in units of 1/65535           |
-// | deformation_sample_cache | deformation samples | null, or point count positions; filled once   |
+// | field                    | length              | meaning                                    |
+// |--------------------------|---------------------|--------------------------------------------|
+// | positions                | point count, or 0   | at rest                                    |
+// | normals                  | point count, or 0   |                                            |
+// | velocities               | point count, or 0   | units per time, linear through time 0     |
+// | support_geometries       | 0 or 1              | the geometry that the points lie on        |
+// | geometry_indices         | 0                   | empty: all points lie on geometry 0        |
+// | primitive_indices        | point count, or 0   | the primitive under the point, or absent   |
+// | primitive_uvs            | point count, or 0   | where on it: (s, t) in units of 1/65535    |
+// | deformation_sample_cache | deformation samples | null, or a position per point; filled once |
 class QZ_GEOMETRY_EXPORT GeometryPointCloudData {
   public:
     struct PackedUv {

@@ -43,8 +43,8 @@ unsigned long long GeometryPointCloudData::get_memory_size() const {
 }
 
 void GeometryPointCloudData::clear_cache() {
-    for (unsigned int i = 0; deformation_sample_cache && i < deformation_sampling.get_sample_count();
-         ++i) {
+    for (unsigned int i = 0;
+         deformation_sample_cache && i < deformation_sampling.get_sample_count(); ++i) {
         core_release(deformation_sample_cache[i].load(std::memory_order_relaxed));
     }
     deformation_sample_cache.reset();

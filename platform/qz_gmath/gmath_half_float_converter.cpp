@@ -22,5 +22,4 @@ float GMathHalfFloatConverter::convert_half_to_float(unsigned short const& bits)
 
 GMathHalfFloatConverter::Table const
     GMathHalfFloatConverter::s_conv_ntof(convert_normalized_half_to_float);
-GMathHalfFloatConverter::Table const
-    GMathHalfFloatConverter::s_conv_htof(convert_half_to_float);
+GMathHalfFloatConverter::Table const GMathHalfFloatConverter::s_conv_htof(convert_half_to_float);
