@@ -1,6 +1,6 @@
 #include <platform/qz_obj/obj.h>
 
-#include <platform/qz_obj/obj_session.h>
+#include <platform/qz_obj/obj_file.h>
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <platform/qz_obj/obj_creases.h>
+#include <platform/qz_obj/obj_file.h>
 #include <platform/qz_obj/obj_groups.h>
 #include <platform/qz_obj/obj_list.h>
 #include <platform/qz_obj/obj_map.h>
-#include <platform/qz_obj/obj_session.h>
 
 // What the corners of a face name beside their point.
 enum class ObjForm : unsigned char { POINTS, UVS, NORMALS, UVS_AND_NORMALS };

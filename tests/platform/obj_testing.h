@@ -1,7 +1,7 @@
 #pragma once
 
 #include <platform/qz_obj.h>
-#include <platform/qz_obj/obj_session.h>
+#include <platform/qz_obj/obj_file.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <platform/qz_obj/obj_session.h>
+#include <platform/qz_obj/obj_file.h>
 
 #include <platform/qz_obj/obj_block_reader.h>
 #include <platform/qz_obj/obj_parser.h>
