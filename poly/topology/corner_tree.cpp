@@ -9,6 +9,13 @@
 namespace {
 
 constexpr unsigned int fan_out = lane_group_size;
+
+// A search starts at all nodes of the top level: up to this many of them need no level above.
+constexpr unsigned int max_top_count = 4;
+
+// Enough to tell all levels of nodes apart.
+constexpr unsigned int level_bits = 4;
+
 constexpr float free_slot = std::numeric_limits<float>::quiet_NaN();
 
 // Cells of the curve along the longer side of all corners' box.
@@ -29,7 +36,7 @@ constexpr std::size_t get_group_count(std::size_t const& count) {
 std::size_t get_node_count(std::size_t const& leaf_count) {
     std::size_t level = get_group_count(leaf_count);
     std::size_t total = level;
-    while (level > 1) {
+    while (level > max_top_count) {
         level = get_group_count(level);
         total += level;
     }
@@ -173,7 +180,8 @@ void CornerTree::fill_nodes() {
         child_count = static_cast<unsigned int>(get_group_count(child_count));
         begin += child_count;
         ++m_level_count;
-    } while (child_count > 1);
+    } while (child_count > max_top_count);
+    m_top_count = child_count;
 }
 
 void CornerTree::fill_node_level(unsigned int const& level, unsigned int const& child_count) {
@@ -241,22 +249,23 @@ unsigned int CornerTree::find_blocker(unsigned int const& a, unsigned int const&
     Ear const ear = {EarTriangle(m_points[a], m_points[b], m_points[c]),
                      EarReach(m_points[a], m_points[b], m_points[c]),
                      {m_indices[a], m_indices[b], m_indices[c]}};
-    struct Entry {
-        unsigned int node;  // within its level
-        unsigned int level;
-    };
-    // Each level leaves behind at most fan_out - 1 entries of the one above.
-    Entry pending[max_level_count * fan_out];
+    // Nodes to look into, each one word: its number within its level, then its level. Two words
+    // written one after the other and read back at once would stall.
+    unsigned int pending[max_level_count * fan_out + max_top_count];
     unsigned int pending_count = 0;
-    pending[pending_count++] = {0, m_level_count - 1};
+    for (unsigned int node = 0; node < m_top_count; ++node) {
+        pending[pending_count++] = node << level_bits | (m_level_count - 1);
+    }
     while (pending_count != 0) {
-        Entry const entry = pending[--pending_count];
-        unsigned int boxes = ear.find_boxes(m_nodes[m_level_begins[entry.level] + entry.node]);
+        unsigned int const entry = pending[--pending_count];
+        unsigned int const level = entry & ((1u << level_bits) - 1);
+        unsigned int const node = entry >> level_bits;
+        unsigned int boxes = ear.find_boxes(m_nodes[m_level_begins[level] + node]);
         for (; boxes != 0; boxes &= boxes - 1) {
             unsigned int const child =
-                entry.node * fan_out + static_cast<unsigned int>(std::countr_zero(boxes));
-            if (entry.level != 0) {
-                pending[pending_count++] = {child, entry.level - 1};
+                node * fan_out + static_cast<unsigned int>(std::countr_zero(boxes));
+            if (level != 0) {
+                pending[pending_count++] = child << level_bits | (level - 1);
                 continue;
             }
             unsigned int const blocker = find_in_leaf(ear, child);

@@ -56,4 +56,5 @@ class CornerTree {
     unsigned char* m_node_sizes = nullptr;  // children of each node that are not empty
     unsigned int m_level_begins[max_level_count] = {};
     unsigned int m_level_count = 0;
+    unsigned int m_top_count = 0;
 };
