@@ -187,7 +187,7 @@ void GeometryObject::intersect_primitive(CtxEval const&, unsigned int const&,
 }
 
 void GeometryObject::add_property(GeometryProperty const& property) {
-    m_properties.append(&property);
+    m_properties.push_back(&property);
 }
 
 void GeometryObject::clear_properties() { m_properties.clear(); }

@@ -12,6 +12,8 @@
 #include <platform/qz_gmath.h>
 #include <platform/qz_resource.h>
 
+#include <vector>
+
 class GeometryProperty;
 
 // A geometry made of primitives (triangles, quads, ...), as a renderer sees it: it bounds the
@@ -139,7 +141,9 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     // live as long as they are listed. Copies list none, and an assignment empties the list.
     void add_property(GeometryProperty const& property);
     void clear_properties();
-    unsigned int const& get_property_count() const { return m_properties.get_count(); }
+    unsigned int get_property_count() const {
+        return static_cast<unsigned int>(m_properties.size());
+    }
     // `index` must be below the count.
     GeometryProperty const& get_property(unsigned int const& index) const {
         return *m_properties[index];
@@ -153,5 +157,5 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     GeometryObject& operator=(GeometryObject const& other);
 
   private:
-    CoreArray<GeometryProperty const*> m_properties;
+    std::vector<GeometryProperty const*> m_properties;
 };

@@ -13,7 +13,6 @@ PolyMeshProperty::PolyMeshProperty(PolyMesh const& mesh, PolyMeshProperty::Type 
       m_values(time_sampling.get_sample_count()),
       m_type(type),
       m_owns_values(owns_values) {
-    m_values.fill(nullptr);
     PropertyCallbacks const callbacks = get_property_callbacks(type, value_type);
     set_evaluate_callbacks(callbacks.integer_callback, callbacks.double_callback);
 }
@@ -21,8 +20,10 @@ PolyMeshProperty::PolyMeshProperty(PolyMesh const& mesh, PolyMeshProperty::Type 
 PolyMeshProperty::PolyMeshProperty(PolyMeshProperty const& other) = default;
 
 PolyMeshProperty::~PolyMeshProperty() {
-    for (unsigned int i = 0; m_owns_values && i < m_values.get_count(); ++i) {
-        delete m_values[i];
+    if (m_owns_values) {
+        for (ResourceProperty const* const block : m_values) {
+            delete block;
+        }
     }
 }
 
@@ -50,8 +51,10 @@ ResourceProperty const* PolyMeshProperty::get_values_property(unsigned int const
 
 unsigned long long PolyMeshProperty::get_memory_size() const {
     unsigned long long size = sizeof(PolyMeshProperty);
-    for (unsigned int i = 0; m_owns_values && i < m_values.get_count(); ++i) {
-        size += m_values[i] ? m_values[i]->get_memory_size() : 0;
+    if (m_owns_values) {
+        for (ResourceProperty const* const block : m_values) {
+            size += block ? block->get_memory_size() : 0;
+        }
     }
     return size;
 }

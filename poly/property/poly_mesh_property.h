@@ -5,6 +5,8 @@
 #include <platform/qz_resource.h>
 #include <poly/mesh/poly_mesh.h>
 
+#include <vector>
+
 // An attribute of a polygon mesh: items of any length and value type, by vertex, polygon corner or
 // polygon, or one for all.
 //
@@ -82,7 +84,7 @@ class QZ_POLY_EXPORT PolyMeshProperty : public GeometryProperty {
     bool has_fitting_count(ResourceProperty const& values) const;
 
     PolyMesh const* m_mesh;
-    CoreArray<ResourceProperty*> m_values;  // one per sample; null where nothing is attached
+    std::vector<ResourceProperty*> m_values;  // one per sample; null where nothing is attached
     CoreArray<unsigned int> m_indices;
     Type m_type;
     bool m_owns_values;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <bit>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -52,7 +53,7 @@ std::vector<T> evaluate(GeometryProperty const& property, GeometryFragment const
     EXPECT_EQ(r[3], T(0));
     r.pop_back();
     for (T& x : r) {
-        x = x == x ? x : T(nan);
+        x = std::isnan(static_cast<double>(x)) ? T(nan) : x;
     }
     return r;
 }
@@ -273,9 +274,9 @@ TEST_F(PropertyTest, OneOfManyThreadsLoadsABlock) {
     LazyProperty property(mesh, P::TYPE_CONSTANT, R::TYPE_INT8, 1, 1, 0, "lazy",
                           GMathTimeSampling(view(times)), true);
     std::atomic<int> right_count{0};
-    std::vector<std::jthread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&] {
+    std::vector<std::jthread> threads(8);
+    for (std::jthread& thread : threads) {
+        thread = std::jthread([&] {
             right_count += evaluate<double>(property, {}) == Reals{6, 0, 0} &&
                            evaluate<double>(property, {0, 0, 0, 0, 0.5}).empty();
         });
