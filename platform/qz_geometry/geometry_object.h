@@ -54,8 +54,8 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     virtual unsigned int get_primitive_count() const = 0;
     virtual unsigned int get_primitive_edge_count(unsigned int const& primitive) const = 0;
 
-    // Bounds of a primitive at rest, and at a time (default: at rest); in a linear space, the box of
-    // the eight corners of the plain bounds after `space` (default).
+    // Bounds of a primitive at rest, and at a time (default: at rest); in a linear space, the box
+    // of the eight corners of the plain bounds after `space` (default).
     virtual void compute_primitive_bbox(CtxEval const& ctx, unsigned int const& primitive,
                                         GMathLinearSpace3<double> const& space,
                                         GMathBbox3<double>& bbox) const;

@@ -1,4 +1,4 @@
-#include "lwo_builder.h"
+#include <tests/platform/lwo_builder.h>
 
 #include <gtest/gtest.h>
 

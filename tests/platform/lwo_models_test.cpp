@@ -1,5 +1,5 @@
-#include "lwo_builder.h"
-#include "model_list.h"
+#include <tests/platform/lwo_builder.h>
+#include <tests/platform/model_list.h>
 
 #include <platform/qz_lwo.h>
 #include <platform/qz_obj.h>

@@ -1,4 +1,4 @@
-#include "lwo_builder.h"
+#include <tests/platform/lwo_builder.h>
 
 #include <platform/qz_sys.h>
 

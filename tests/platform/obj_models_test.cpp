@@ -1,5 +1,5 @@
-#include "model_list.h"
-#include "obj_testing.h"
+#include <tests/platform/model_list.h>
+#include <tests/platform/obj_testing.h>
 
 #include <algorithm>
 #include <cstdlib>

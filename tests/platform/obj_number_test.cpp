@@ -1,4 +1,4 @@
-#include "obj_testing.h"
+#include <tests/platform/obj_testing.h>
 
 #include <bit>
 #include <charconv>
