@@ -28,7 +28,7 @@ set(allowed
 )
 
 execute_process(
-    COMMAND ${nm} --dynamic --defined-only --demangle --just-symbols ${library}
+    COMMAND ${nm} --dynamic --defined-only --demangle --format=just-symbols ${library}
     OUTPUT_VARIABLE symbols
     COMMAND_ERROR_IS_FATAL ANY
 )
