@@ -254,7 +254,7 @@ std::unique_ptr<PolyMeshProperty> make_property(PropertyText const& text, PolyMe
                              text.indices.empty() ? " items" : " indices", " do not fit the ",
                              needed.count, " ", needed.what, " of the mesh"));
         }
-        block.release();  // the property owns it now
+        static_cast<void>(block.release());  // the property owns it now
     }
     return property;
 }
