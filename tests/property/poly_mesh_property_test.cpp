@@ -184,8 +184,12 @@ TEST_F(PropertyTest, TheShortestItemDecides) {
                   expected);
         EXPECT_EQ(std::count(r.begin(), r.end(), 77), 90 - expected);
     }
-    auto const missing = make(P::TYPE_VERTEX, R::TYPE_INT8, {1}, Numbers(12, none));
-    EXPECT_EQ(evaluate<double>(missing, {none, 0, 0, 0}), Reals());
+    for (unsigned int corner = 0; corner < 3; ++corner) {
+        Numbers indices(12, 0);
+        indices[corner] = 1;  // past the one item
+        auto const missing = make(P::TYPE_VERTEX, R::TYPE_INT8, {1}, indices);
+        EXPECT_EQ(evaluate<double>(missing, {none, 0}), Reals());
+    }
     EXPECT_EQ(evaluate<double>(make(P::TYPE_POLYGON, R::TYPE_INT8, {1, 2, 3}), {none, 5}), Reals());
 }
 
@@ -227,6 +231,7 @@ TEST_F(PropertyTest, CopiesShareBlocksAndHaveTheirOwnIndices) {
     auto* const original = new P(make(P::TYPE_VERTEX, R::TYPE_INT8, {4}, Numbers(12, 0)));
     original->init_indices({original->get_indices().get_data(), 5});
     P const copy(*original);
+    EXPECT_EQ(copy.get_indices().get_count(), 12u);
     EXPECT_EQ(copy.get_memory_size(), sizeof copy);
     EXPECT_TRUE(copy.is_kindof(GeometryProperty::class_info()));
     original->init_indices({});
@@ -239,19 +244,24 @@ TEST_F(PropertyTest, CopiesShareBlocksAndHaveTheirOwnIndices) {
 }
 
 TEST_F(PropertyTest, SamplesBlendBetweenTheirTimes) {
-    P property = make_empty(P::TYPE_CONSTANT, R::TYPE_INT64, true, {0, 1, 3, 5});
+    P property = make_empty(P::TYPE_CONSTANT, R::TYPE_INT64, true, {0, 1, 3, 5, 6});
     EXPECT_TRUE(property.init(0, new Block(R::TYPE_INT64, {3})));
     EXPECT_TRUE(property.init(1, new Block(R::TYPE_INT64, {0ull - 4})));
     EXPECT_EQ(evaluate<double>(property, {0, 0, 0, 0, 2}), Reals());
     EXPECT_TRUE(property.init(2, new Block(R::TYPE_INT64, {top - 1})));
     EXPECT_TRUE(property.init(3, new Block(R::TYPE_INT64, {top - 1})));
-    std::pair<double, double> const rows[] = {{-9, 3}, {0.5, -0.5}, {0.75, -2.25},
-                                              {1, -4}, {2, 0x1p62}, {4, 0x1p63}};
+    EXPECT_TRUE(property.init(4, new Block(R::TYPE_INT64, {7})));
+    std::pair<double, double> const rows[] = {{-9, 3},     {0.5, -0.5}, {0.75, -2.25}, {1, -4},
+                                              {2, 0x1p62}, {4, 0x1p63}, {9, 7}};
     for (auto const& [time, value] : rows) {
         EXPECT_EQ(evaluate<double>(property, {0, 0, 0, 0, time}), (Reals{value, 0, 0}));
     }
     EXPECT_EQ(evaluate<long long>(property, {0, 0, 0, 0, 0.75})[0], -2);
     EXPECT_EQ(evaluate<long long>(property, {0, 0, 0, 0, 4})[0], ~low);
+    P endless = make_empty(P::TYPE_CONSTANT, R::TYPE_DOUBLE, true, {0, 1});
+    EXPECT_TRUE(endless.init(0, new Block(R::TYPE_DOUBLE, {d(inf)})));
+    EXPECT_TRUE(endless.init(1, new Block(R::TYPE_DOUBLE, {d(inf)})));
+    EXPECT_EQ(evaluate<double>(endless, {0, 0, 0, 0, 0.5})[0], inf);
     // As many components as both samples have.
     EXPECT_TRUE(property.init(2, new R(R::TYPE_INT64, 2, 1)));
     double r[2];
