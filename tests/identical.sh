@@ -23,6 +23,10 @@ compare() {
         status=0
         "$program" dump "$@" >"$folder/dump" 2>/dev/null || status=$?
         echo "exit status $status" >>"$folder/dump"
+        if [ "$status" -gt 1 ]; then
+            echo "$program ended with $status: dump $*" >&2
+            fault_count=$((fault_count + 1))
+        fi
         if [ -z "$first" ]; then
             first=$program
             mv "$folder/dump" "$folder/first"
@@ -36,7 +40,7 @@ compare() {
 
 for file; do
     compare "$file" --smooth 0 --smooth 30 --smooth 180
-    compare "$file" --no-check-quads
+    compare "$file" --no-check-quads --digest
 done
 for sphere in '0 0' '7 5 1 2 3' '200 100'; do
     # shellcheck disable=SC2086

@@ -5,10 +5,14 @@
 #include <platform/qz_lwo/lwo_object.h>
 #include <platform/qz_sys.h>
 
+#include <filesystem>
+
 bool Lwo::is_valid(CoreString const& path) {
     SysFile file;
     unsigned char header[lwo_form_header_size];
-    return file.open(path, SysFile::MODE_READ) &&
+    std::error_code error;  // a pipe must not be opened here: what is read from it is gone
+    return std::filesystem::is_regular_file(path.get_data(), error) &&
+           file.open(path, SysFile::MODE_READ) &&
            lwo_is_form_header(header, file.read(header, sizeof header));
 }
 

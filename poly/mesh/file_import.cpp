@@ -21,7 +21,7 @@ struct LoadedFile {
     CoreArray<GeometryUvMap> uv_maps;
     CoreArray<GeometryNormalMap> normal_maps;
     CoreArray<GeometryColorMap> color_maps;
-    CoreArray<CoreString> property_names;  // no loader fills it so far
+    CoreArray<CoreString> property_names;  // stays empty: no loader hands names over
     std::unique_ptr<ResourceImportData> import_data;
 
     PolyMeshPolygons get_polygons() const { return {vertex_indices, vertex_count, shading_groups}; }

@@ -139,6 +139,16 @@ void add_camera_options(CLI::App& command, ToolCameraOptions& options) {
         ->capture_default_str();
 }
 
+// Written so that no NaN passes.
+bool is_in_reach(ToolCamera const& camera) {
+    auto const is_near = [](GMathVec3<double> const& v, double const& limit) {
+        return std::fabs(v.x) <= limit && std::fabs(v.y) <= limit && std::fabs(v.z) <= limit;
+    };
+    return is_near(camera.eye, 10 * tool_largest_coordinate) && is_near(camera.forward, 2) &&
+           is_near(camera.right, 2) && is_near(camera.up, 2) && camera.half_width < 1e9 &&
+           camera.half_height > 0;
+}
+
 bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, ToolMessages& messages,
                  ToolCamera& camera) {
     bool const is_empty = extent.primitive_boxes.empty();
@@ -165,6 +175,10 @@ bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, Too
     } else if (options.eye.empty()) {
         camera.eye = target - camera.forward * (margin * radius /
                                                 std::min(camera.half_height, camera.half_width));
+    }
+    if (!is_in_reach(camera)) {
+        messages.fail("the camera is out of reach");
+        return false;
     }
     return true;
 }

@@ -12,8 +12,9 @@ struct ToolExtent {
     double area = 0;                         // sum of areas, at rest
 };
 
-// The largest coordinate that is drawn: the acceleration structure takes no larger ones.
-constexpr double tool_largest_coordinate = 1e18;
+// The largest coordinate that is drawn: the acceleration structure takes numbers up to 1.8e18, and
+// the camera stands outside.
+constexpr double tool_largest_coordinate = 1e16;
 
 // Bounds of a primitive that are finite and small enough to be drawn.
 bool is_drawable(GMathBbox3<double> const& box);

@@ -49,7 +49,9 @@ bool make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
 bool is_block(CoreString const& path) {
     SysFile file;
     unsigned int stated_size = 0;
-    return file.open(path, SysFile::MODE_READ) &&
+    std::error_code error;  // a pipe must not be opened here: what is read from it is gone
+    return std::filesystem::is_regular_file(path.get_data(), error) &&
+           file.open(path, SysFile::MODE_READ) &&
            file.read(&stated_size, sizeof stated_size) == sizeof stated_size &&
            stated_size == file.get_size();
 }
@@ -72,12 +74,12 @@ bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh
     mesh.is_block = is_block(path);
     bool const is_light_wave = Lwo::is_valid(path);
     mesh.kind = mesh.is_block ? "byte block" : is_light_wave ? "LightWave object" : "Wavefront OBJ";
-    if (mesh.is_block) {
-        return load_block(path, *mesh.mesh);
-    }
     if (!options.item.empty() && !is_light_wave) {
         CoreLogHandler::get_main().log(2, CoreLogStream() << "only LightWave objects have items\n");
         return false;
+    }
+    if (mesh.is_block) {
+        return load_block(path, *mesh.mesh);
     }
     ToolProgress load_progress("loading");
     AppProgressBar build_progress("building");
@@ -120,7 +122,8 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
         ->type_name("S R [RX RY RZ]")
         ->expected(2, 5)
         ->check(check_sphere)
-        ->excludes(file);
+        ->excludes(file)
+        ->excludes(command.get_option("--item"));
 }
 
 bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh,

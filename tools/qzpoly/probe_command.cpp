@@ -4,6 +4,7 @@
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/motion.h>
 #include <tools/qzpoly/surface_options.h>
+#include <tools/qzpoly/terminal.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -167,6 +168,7 @@ bool answer_batch(GeometryObject const& geometry, CtxEval const& ctx, ToolMessag
         }
         Probe probe;
         CLI::App parser;
+        parser.set_help_flag();
         add_probe_options(parser, probe);
         try {
             parser.parse(line);
@@ -195,19 +197,22 @@ void print_text(ToolJson const& json, std::string const& indent) {
             continue;
         }
         std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-        text.erase(std::remove_if(text.begin(), text.end(),
-                                  [](char const c) { return c == '[' || c == ']'; }),
-                   text.end());
-        std::replace(text.begin(), text.end(), ',', ' ');
+        if (value.is_array()) {
+            text = text.substr(1, text.size() - 2);
+            std::replace(text.begin(), text.end(), ',', ' ');
+        }
         std::printf("%s%-18s%s\n", indent.c_str(), key.c_str(), text.c_str());
     }
 }
 
-int run_probe(ProbeOptions const& options, ToolMessages& messages) {
+int run_probe(ProbeOptions& options, ToolMessages& messages) {
     int status = tool_failure;
     ToolMesh mesh;
     ToolSurface surface;
     Vec shutter_times;
+    if (!options.motion.frames.empty()) {
+        options.mesh.file = options.motion.frames[0];
+    }
     if (!load_mesh(options.mesh, messages, mesh, status) ||
         !set_motion(options.motion, GMathVec3<double>(0, 1, 0), messages, *mesh.mesh, shutter_times,
                     status)) {
@@ -222,6 +227,9 @@ int run_probe(ProbeOptions const& options, ToolMessages& messages) {
     bool const is_answered = options.is_batch
                                  ? answer_batch(*surface.geometry, ctx, messages, json)
                                  : answer(*surface.geometry, ctx, options.probe, messages, json);
+    if (is_interrupted()) {
+        return messages.fail("stopped");
+    }
     if (!is_answered) {
         return tool_failure;
     }
@@ -243,6 +251,7 @@ void add_probe_command(CLI::App& app, ToolSession& session) {
     add_probe_options(*command, options->probe);
     add_surface_options(*command, options->surface);
     add_motion_options(*command, options->motion);
+    command->get_option("--frames")->excludes(command->get_option("FILE"));
     command->add_flag("--json", options->is_json, "As JSON");
     command->add_flag("--batch", options->is_batch,
                       "Read probes from standard input, one a line, and answer with a JSON array");

@@ -1,6 +1,9 @@
 #include <tools/qzpoly/program.h>
 
 #include <tools/qzpoly/commands.h>
+#include <tools/qzpoly/terminal.h>
+
+#include <cstdio>
 
 namespace {
 
@@ -26,5 +29,8 @@ int run_program(int const& argument_count, char const* const* arguments) {
     } catch (std::exception const& fault) {
         return session.messages.fail(fault.what());
     }
-    return session.status;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        return session.messages.fail("cannot write to standard output");
+    }
+    return is_interrupted() ? tool_interrupted : session.status;
 }

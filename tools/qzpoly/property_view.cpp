@@ -65,7 +65,7 @@ void draw_text(ToolImage& image, std::string const& text, unsigned int const& le
 ToolPropertyView make_property_view(GeometryObject const& geometry, CtxEval const& ctx,
                                     GeometryProperty const& property) {
     constexpr double corners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    ToolPropertyView view{&property, false, INFINITY, -INFINITY};
+    ToolPropertyView view{&property, property.get_value_extent() == 3, INFINITY, -INFINITY};
     GMathTimeSampling const& times = property.get_time_sampling();
     GeometryFragment fragment;
     for (unsigned int primitive = 0; primitive < geometry.get_primitive_count(); ++primitive) {
@@ -77,10 +77,9 @@ ToolPropertyView make_property_view(GeometryObject const& geometry, CtxEval cons
             fragment.s = is_off ? 0 : corners[k % 4][0];
             fragment.t = corners[k % 4][1];
             fragment.time = times.get_sample_time(k / 4);
-            double value[3];
+            double value[1];
             unsigned int const count =
-                property.evaluate(ctx, fragment, value, nullptr, nullptr, nullptr, 3);
-            view.is_color |= count == 3;
+                property.evaluate(ctx, fragment, value, nullptr, nullptr, nullptr, 1);
             if (count != 0 && std::isfinite(value[0])) {
                 view.lowest = std::min(view.lowest, value[0]);
                 view.highest = std::max(view.highest, value[0]);

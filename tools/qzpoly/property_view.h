@@ -6,7 +6,7 @@
 
 #include <vector>
 
-// A property as a picture shows it: vectors of three components or more as red, green and blue,
+// A property as a picture shows it: vectors of three components as red, green and blue,
 // anything else by its first component in false colour, from blue at the lowest value to red at the
 // highest.
 struct ToolPropertyView {

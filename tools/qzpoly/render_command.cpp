@@ -87,25 +87,29 @@ GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
 }
 
 ToolEdges list_edges(RenderOptions const& options, PolyMesh const& mesh) {
+    ToolEdges edges = options.has_edges ? list_visible_edges(mesh) : ToolEdges();
     if (options.has_hard_edges) {
-        CoreArray<unsigned char> edges;
-        PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, edges);
-        return ToolEdges(edges.begin(), edges.end());
+        CoreArray<unsigned char> hard_edges;
+        PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, hard_edges);
+        edges.resize(hard_edges.get_count());
+        for (unsigned int i = 0; i < hard_edges.get_count(); ++i) {
+            edges[i] = static_cast<unsigned char>(edges[i] | hard_edges[i]);
+        }
     }
-    return options.has_edges ? list_visible_edges(mesh) : ToolEdges();
+    return edges;
 }
 
 // Finds the property that is to be shown; false after saying that there is none.
 bool find_property(RenderOptions const& options, GeometryObject const& geometry, CtxEval const& ctx,
                    ToolMessages& messages, ToolPropertyView& view) {
-    std::string const name = get_shown_property(options.shade_mode);
-    if (name.empty()) {
+    std::string name;
+    if (!shows_property(options.shade_mode, name)) {
         return true;
     }
     GeometryProperty const* const property =
         geometry.find_property(CoreString(std::string_view(name)));
     if (property == nullptr) {
-        messages.fail(make_text("no --property is named ", std::string_view(name)));
+        messages.fail(make_text("no --property is named '", std::string_view(name), "'"));
         return false;
     }
     view = make_property_view(geometry, ctx, *property);

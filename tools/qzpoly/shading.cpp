@@ -115,6 +115,8 @@ ToolShadeMode const* find_shade_mode(std::string const& name) {
     return nullptr;
 }
 
-std::string get_shown_property(std::string const& name) {
-    return name.starts_with(property_prefix) ? name.substr(property_prefix.size()) : std::string();
+bool shows_property(std::string const& name, std::string& property) {
+    bool const is_shown = name.starts_with(property_prefix);
+    property = is_shown ? name.substr(property_prefix.size()) : std::string();
+    return is_shown;
 }

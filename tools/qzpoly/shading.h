@@ -32,5 +32,5 @@ struct ToolShadeMode {
 std::vector<ToolShadeMode> const& get_shade_modes();
 // Null for an unknown name. A mode that shows a property is named with it, as "property:density".
 ToolShadeMode const* find_shade_mode(std::string const& name);
-// The property in the name of a mode; empty without one.
-std::string get_shown_property(std::string const& name);
+// Whether the mode of this name shows a property, and if so which; the name may be empty.
+bool shows_property(std::string const& name, std::string& property);
