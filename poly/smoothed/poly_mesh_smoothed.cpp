@@ -67,6 +67,11 @@ void PolyMeshSmoothed::print_stats() const {
     log.log(3, CoreLogStream() << "    normals:                      " << normals << "\n");
 }
 
+// A mesh without primitives that was set last has left the map of the one before.
+bool PolyMeshSmoothed::is_own_map_of_mesh() const {
+    return uses_own_map() && m_mesh->get_primitive_count() != 0;
+}
+
 unsigned int PolyMeshSmoothed::get_normal_map_count() const {
     return uses_own_map() ? 1 : m_mesh->get_normal_map_count();
 }
@@ -78,7 +83,7 @@ CoreString const& PolyMeshSmoothed::get_normal_map_name(unsigned int const& map)
 bool PolyMeshSmoothed::get_normal_map_data(unsigned int const& map,
                                            CoreArray<GMathVec3<float>>& values,
                                            CoreArray<unsigned int>& indices) const {
-    if (!uses_own_map()) {
+    if (!is_own_map_of_mesh()) {
         return m_mesh->get_normal_map_data(map, values, indices);
     }
     read_primitive_normals(*m_normal_map, m_mesh->get_topology(),
@@ -89,7 +94,7 @@ bool PolyMeshSmoothed::get_normal_map_data(unsigned int const& map,
 bool PolyMeshSmoothed::get_polygon_normal_map_data(unsigned int const& map,
                                                    CoreArray<GMathVec3<float>>& values,
                                                    CoreArray<unsigned int>& indices) const {
-    if (!uses_own_map()) {
+    if (!is_own_map_of_mesh()) {
         return m_mesh->get_polygon_normal_map_data(map, values, indices);
     }
     read_polygon_normals(*m_normal_map, m_mesh->get_topology(),

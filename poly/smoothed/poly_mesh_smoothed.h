@@ -34,9 +34,9 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
     static bool ___class_destructor__(void* object, bool const& is_array);
 
     // Smooths the normals of `mesh`: across edges of two faces that are wound alike and whose angle
-    // is below `smoothing_angle`, in degrees; 0 keeps every edge sharp, 180 none. Normal map number
-    // `normal_map_index` of the mesh is used instead when there is one. A mesh without primitives
-    // is only remembered. `progress` may be null.
+    // is below `smoothing_angle`, in degrees from 0 to 180; 0 keeps every edge sharp. Normal map
+    // number `normal_map_index` of the mesh is used instead when there is one. A mesh without
+    // primitives is only remembered. `progress` may be null.
     void set(PolyMesh const& mesh, double const& smoothing_angle,
              unsigned int const& normal_map_index, AppProgressBar* progress);
 
@@ -140,6 +140,7 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
 
   private:
     bool uses_own_map() const { return m_current_normal_map == m_normal_map; }
+    bool is_own_map_of_mesh() const;
     GMathVec3<float> get_polygon_vertex_normal(unsigned int const& corner,
                                                GMathVec3<float> const& face_normal) const;
 

@@ -14,7 +14,7 @@
 // the normal of their vertex, and corners that no primitive covers are absent.
 //
 // Takes time and memory linear in the corners. The vertices and the normals made must number below
-// 2^32 together. `progress` may be null.
+// 2^32 together, and so must the corners of all triangles. `progress` may be null.
 void build_smoothed_normals(PolyMeshTopology const& topology,
                             CoreBasicArray<GMathVec3<float>> const& positions,
                             double const& smoothing_angle, PolyMeshNormalMap& map,

@@ -3,6 +3,8 @@
 #include <poly/mesh/primitive_corners.h>
 #include <poly/render/surface_weights.h>
 
+#include <cassert>
+
 namespace {
 
 // Edge k of a triangle that was cut from a polygon is smooth unless it is a side of the polygon; of
@@ -19,6 +21,7 @@ bool is_within_polygon(unsigned int const& info, unsigned int const& half, unsig
 }  // namespace
 
 SmoothingTriangles::SmoothingTriangles(PolyMeshTopology const& topology) {
+    assert(topology.triangle_count + 2ull * topology.quad_count <= 0xFFFFFFFFu / 3);
     unsigned int const corner_count = 3 * (topology.triangle_count + 2 * topology.quad_count);
     corner_ids.reset(corner_count);
     vertices.reset(corner_count);

@@ -201,6 +201,14 @@ TEST(PolyMeshSmoothed, RemembersAMeshWithoutPrimitives) {
     EXPECT_EQ(smoothed.get_current_normal_map(), nullptr);
     EXPECT_EQ(smoothed.get_normal_map_index(), none);
     EXPECT_EQ(smoothed.get_normal_map_count(), 0u);
+
+    PolyMesh mesh;  // whose map must not be read over the empty mesh
+    set_row(mesh);
+    smoothed.set(mesh, 30, none, nullptr);
+    smoothed.set(empty, 30, none, nullptr);
+    CoreArray<GMathVec3<float>> values;
+    CoreArray<unsigned int> indices;
+    EXPECT_FALSE(smoothed.get_polygon_normal_map_data(0, values, indices));
 }
 
 }  // namespace
