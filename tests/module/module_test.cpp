@@ -102,23 +102,3 @@ TEST(PolyHelpers, MakeSpheres) {
         }
     }
 }
-
-TEST(PolyHelpers, ShadeSpheresByTheirDirections) {
-    std::unique_ptr<PolyMesh> const mesh(PolyHelpers::create_poly_sphere(24, 12, {1, 1, 1}));
-    GeometryNormalMap map;
-    ASSERT_TRUE(mesh->get_polygon_normal_map(0, map));
-    EXPECT_EQ(map.name, "default");
-    CoreArray<unsigned int> corners;
-    mesh->get_polygon_vertex_indices(corners);
-    auto const& positions = mesh->get_point_cloud()->get_data().positions;
-    for (unsigned int corner = 0; corner < corners.get_count(); ++corner) {
-        GMathVec3<float> const apart = map.values[map.indices[corner]] - positions[corners[corner]];
-        EXPECT_LT(gmath_length(apart), 1e-4f) << corner;
-    }
-    LogCapture capture(2);
-    std::unique_ptr<PolyMesh> const refused(
-        PolyHelpers::create_poly_sphere(0x10000, 0x10000, {1, 1, 1}));
-    EXPECT_EQ(refused->get_polygon_count(), 0u);
-    EXPECT_EQ(capture.take(),
-              "2 PolyHelpers.create_poly_sphere: The polygons have too many corners.\n");
-}

@@ -45,23 +45,3 @@ TEST(CoreString, WritesNumbersInTheirShortestForm) {
         EXPECT_EQ(row.text, row.expected);
     }
 }
-
-TEST(CoreString, AppendsItsOwnBytesAndKeepsNuls) {
-    CoreString string("ab\0c", 4);
-    EXPECT_EQ(string.get_allocated_size(), 5u);
-    for (int i = 0; i < 3; ++i) {
-        string.append(string);
-    }
-    EXPECT_EQ(string.get_length(), 32u);
-    EXPECT_EQ(string.get_view().substr(28), std::string_view("ab\0c", 4));
-    string.append(string.get_data()[3]).append(string.get_view().substr(1, 3));
-    EXPECT_EQ(string.get_view().substr(32), std::string_view("cb\0c", 4));
-    EXPECT_EQ(string.get_data()[36], '\0');
-
-    CoreString copy(string);
-    EXPECT_EQ(copy.get_allocated_size(), 37u);
-    EXPECT_EQ(copy, string);
-    copy.clear();
-    EXPECT_STREQ(copy.get_data(), "");
-    EXPECT_LT(CoreString("a"), CoreString("\xC3"));  // bytes are unsigned
-}

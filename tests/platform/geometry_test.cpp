@@ -49,28 +49,6 @@ TEST(GeometryCompressedVertices, StaysWithinHalfAStepOfItsValues) {
     EXPECT_EQ(vertices.get_memory_size(), 28 + 12 * values.size() + 16);
 }
 
-TEST(GeometryCompressedVertices, MovesWhatLiesOutsideOfItsBox) {
-    constexpr float big = std::numeric_limits<float>::max();
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    struct Row {
-        GMathBbox3<float> box;
-        Vec value;
-        Vec expected;
-    };
-    GMathBbox3<float> const unit({0, 0, 0}, {1, 1, 1});
-    Row const rows[] = {
-        {unit, {-2, 3, 0.5f}, {0, 1, 32768 * (1.0f / 65535.0f)}},
-        {unit, {std::nanf(""), infinity, -infinity}, {0, 1, 0}},
-        {{{0.1f, 1, 2}, {0.1f, 0, 3}}, {5, 5, 5}, {0.1f, 0, 3}},  // inverted in y alone
-        {{{-big, 0, 0}, {big, 1, 1}}, {-big, 0, 0}, {-big, 0, 0}},
-    };
-    for (Row const& row : rows) {
-        GeometryCompressedVertices vertices;
-        vertices.copy_from(view({row.value}), row.box, true);
-        EXPECT_EQ(vertices.get(0), row.expected);
-    }
-}
-
 TEST(GeometryRaytraceCtx, KeepsHitsByItsMode) {
     GeometryRay ray;
     ray.minimum_distance = 1.0;

@@ -169,27 +169,4 @@ TEST(Smoothing, ObeysItsLawsOnRealModels) {
     }
 }
 
-TEST(Smoothing, OpensItsTasksInOrder) {
-    PolyMesh mesh;
-    make_cube().set(mesh);
-    std::vector<std::string> labels;
-    AppProgressBar progress("smoothing");
-    progress.set_callback(
-        [](void* user, AppProgressBar const& bar) {
-            auto& seen = *static_cast<std::vector<std::string>*>(user);
-            std::string const label(bar.get_label().get_view());
-            if (!label.empty() && (seen.empty() || seen.back() != label)) {
-                seen.push_back(label);
-            }
-            return true;
-        },
-        &labels);
-    PolyMeshSmoothed smoothed;
-    smoothed.set(mesh, 30, none, &progress);
-    EXPECT_EQ(labels, (std::vector<std::string>{"compute triangles neighbourhood",
-                                                "compute triangle normals", "find hard edges",
-                                                "compute local normals"}));
-    EXPECT_EQ(progress.get_value(), 1.0);
-}
-
 }  // namespace
