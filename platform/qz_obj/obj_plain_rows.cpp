@@ -40,7 +40,7 @@ inline char const* read_numbers(ObjMarks const& marks, char const* at, float* nu
         }
         unsigned int const length = static_cast<unsigned int>(std::countr_zero(ends));
         if (count < most_numbers && obj_read_plain_number(at, length, non_digits, numbers[count]))
-            [[likely]] {
+            [[likely]] {  // NOLINT(bugprone-branch-clone): the usual way is asked for first
             ++count;
         } else if (length == 0) {
             // More blanks, or one at the end of the line.

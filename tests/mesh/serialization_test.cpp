@@ -31,8 +31,7 @@ Bytes serialize(PolyMesh const& mesh) {
 
 // From a block that ends where its memory ends.
 bool deserialize(PolyMesh& mesh, Bytes const& bytes) {
-    std::unique_ptr<unsigned char, Free> const block(
-        static_cast<unsigned char*>(std::malloc(bytes.size())));
+    auto const block = std::make_unique<unsigned char[]>(bytes.size());
     std::copy(bytes.begin(), bytes.end(), block.get());
     return mesh.deserialize(block.get(), bytes.size());
 }
