@@ -86,10 +86,10 @@ class SmallCorners {
 
     // The groups that may hold a blocker, as bits.
     unsigned int find_groups(EarTriangle const& ear) {
-        if (m_box_state == BoxState::unknown) {
+        if (m_box_state == BoxState::UNKNOWN) {
             build_boxes();
         }
-        if (m_box_state == BoxState::unusable) {
+        if (m_box_state == BoxState::UNUSABLE) {
             return (1u << get_group_count()) - 1u;
         }
         unsigned int groups = 0;
@@ -100,7 +100,7 @@ class SmallCorners {
     }
 
     void build_boxes() {
-        m_box_state = BoxState::unusable;
+        m_box_state = BoxState::UNUSABLE;
         if (m_count < least_boxed_size) {
             return;
         }
@@ -114,14 +114,14 @@ class SmallCorners {
             unsigned int const group = i / lane_group_size;
             m_boxes[group / lane_group_size].include(group % lane_group_size, get_point(i));
         }
-        m_box_state = BoxState::ready;
+        m_box_state = BoxState::READY;
     }
 
     unsigned int get_group_count() const {
         return (m_count + lane_group_size - 1) / lane_group_size;
     }
 
-    enum class BoxState { unknown, unusable, ready };
+    enum class BoxState { UNKNOWN, UNUSABLE, READY };
 
     static constexpr unsigned int capacity = 64 * word_count;
 
@@ -131,7 +131,7 @@ class SmallCorners {
     unsigned char m_next[capacity];
     Set m_waiting[capacity];  // the corners that this one blocks; some may be open or gone by now
     CornerBoxes m_boxes[word_count];
-    BoxState m_box_state = BoxState::unknown;
+    BoxState m_box_state = BoxState::UNKNOWN;
     unsigned int const* m_indices;
     unsigned int m_count;
     Set m_left;
