@@ -144,7 +144,8 @@ class CoreArray : public CoreBasicArray<T> {
     }
 
     void fill(T const& value) {
-        T const copy(value);
+        T const copy(
+            value);  // NOLINT(performance-unnecessary-copy-initialization): may be an element
         for (unsigned int i = 0; i < m_count; ++i) {
             m_data[i] = copy;
         }

@@ -8,17 +8,17 @@ namespace {
 
 // Counts its living instances, and shows when it was moved from or is read after its end.
 struct Counted {
-    static inline int alive = 0;
+    static inline int s_alive = 0;
     int value = 7;
 
-    Counted() { ++alive; }
-    explicit Counted(int const& new_value) : value(new_value) { ++alive; }
-    Counted(Counted const& other) : value(other.value) { ++alive; }
-    Counted(Counted&& other) noexcept : value(std::exchange(other.value, -1)) { ++alive; }
+    Counted() { ++s_alive; }
+    explicit Counted(int const& new_value) : value(new_value) { ++s_alive; }
+    Counted(Counted const& other) : value(other.value) { ++s_alive; }
+    Counted(Counted&& other) noexcept : value(std::exchange(other.value, -1)) { ++s_alive; }
     Counted& operator=(Counted const& other) = default;
     ~Counted() {
         value = -2;
-        --alive;
+        --s_alive;
     }
 };
 
@@ -79,7 +79,7 @@ TYPED_TEST(CoreArrays, GrowShrinkAndCopyWithoutLosingElements) {
         EXPECT_EQ(copy.get_memory_size(), 16u);
         EXPECT_EQ(copy.get_data(), nullptr);
     }
-    EXPECT_EQ(Counted::alive, 0);
+    EXPECT_EQ(Counted::s_alive, 0);
 }
 
 TEST(CoreArray, ConstructsNewElementsOfClasses) {

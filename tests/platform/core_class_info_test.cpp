@@ -5,8 +5,8 @@
 namespace {
 
 struct Animal : CoreBaseObject {
-    static inline int destroyed = 0;
-    ~Animal() override { ++destroyed; }
+    static inline int s_destroyed = 0;
+    ~Animal() override { ++s_destroyed; }
     static CoreClassInfo const& class_info() {
         static CoreClassInfo const& info = CoreClassInfo::new_class(
             "TestAnimal", core_destroy<Animal>, &CoreBaseObject::class_info(), nullptr);
@@ -41,8 +41,8 @@ TEST(CoreClassInfo, DestroysObjectsAndArrays) {
         {new Animal[3], true, 3}, {new Animal[0], true, 0},
     };
     for (Row const& row : rows) {
-        Animal::destroyed = 0;
+        Animal::s_destroyed = 0;
         EXPECT_TRUE(info.destroy(row.object, row.is_array));
-        EXPECT_EQ(Animal::destroyed, row.destroyed);
+        EXPECT_EQ(Animal::s_destroyed, row.destroyed);
     }
 }

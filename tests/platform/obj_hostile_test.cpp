@@ -129,7 +129,7 @@ TEST(ObjHostile, MutatedBytes) {
         "vt 3 4 5\r\nvt 6 7\r\nf 1/1 2/2 3/3\r\nf 3/3 2/2 1/1\r\nusemtl x\r\nf 1 2 3\r\n"
         "ec 1 1 2\r\ncurv \\\r\n1 2\r\n",
     };
-    std::string const bytes = "0123456789 \t\n\r/.-+e#\\vftn,x\0\xFF" + std::string(1, '\0');
+    std::string const bytes = "0123456789 \t\n\r/.-+e#\\vftn,x\xFF" + std::string(1, '\0');
     unsigned int loaded = 0;
     for (unsigned int seed = 0; seed < 3000; ++seed) {
         std::mt19937 random(seed);
