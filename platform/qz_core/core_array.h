@@ -144,8 +144,8 @@ class CoreArray : public CoreBasicArray<T> {
     }
 
     void fill(T const& value) {
-        T const copy(
-            value);  // NOLINT(performance-unnecessary-copy-initialization): may be an element
+        // The value may be one of our own elements.
+        T const copy(value);  // NOLINT(performance-unnecessary-copy-initialization)
         for (unsigned int i = 0; i < m_count; ++i) {
             m_data[i] = copy;
         }
