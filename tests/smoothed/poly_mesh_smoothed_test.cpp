@@ -1,5 +1,6 @@
 #include <poly/module/poly_helpers.h>
 #include <poly/smoothed/poly_mesh_smoothed.h>
+#include <tests/answers.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -30,87 +31,12 @@ void set_row(PolyMesh& mesh) {
     mesh.set_normal_maps(view(maps), nullptr);
 }
 
-// Answers of queries, one after another.
-struct Answers {
-    std::vector<double> list;
-
-    template <typename... Numbers>
-    void add(Numbers const&... numbers) {
-        (list.push_back(static_cast<double>(numbers)), ...);
-    }
-    void add_box(GMathBbox3<double> const& b) {
-        add(b.minimum.x, b.minimum.y, b.minimum.z, b.maximum.x, b.maximum.y, b.maximum.z);
-    }
-    template <typename Values>
-    void add_map(bool const& is_there, Values const& values,
-                 CoreArray<unsigned int> const& indices) {
-        add(is_there, values.get_count(), values[1].x);
-        list.insert(list.end(), indices.begin(), indices.end());
-    }
-};
-
-std::vector<double> ask_all(PolyMeshBase const& m) {
-    CtxEval const ctx;
-    GMathMatrix4x4<double> const identity = GMathMatrix4x4<double>::get_identity();
-    GeometryFragment const fragment{none, 1, 0.25, 0.5, 0, 0};
-    Answers all;
-    all.add(m.is_animated(), m.is_geometry_linear(), m.is_primitive_linear(1),
-            m.is_primitive_edge_linear(1, 0), m.is_primitive_uv_mapped(1, 0),
-            m.is_primitive_uv_mapped(1, 1), m.is_primitive_edge_visible(2, 0),
-            m.is_primitive_edge_visible(3, 0), m.get_vertex_count(), m.get_primitive_count(),
-            m.get_primitive_edge_count(1), m.get_primitive_shading_group_index(1),
-            m.get_uv_map_count(), m.get_color_map_count(), m.get_point_cloud()->get_point_count(),
-            m.get_shading_group_names()[0].get_length(), m.estimate_area(ctx, identity),
-            m.estimate_primitive_area(ctx, 1, identity),
-            m.estimate_shading_group_area(ctx, 0, identity));
-    GMathBbox3<double> box;
-    all.add_box(m.get_bbox());
-    all.add_box(m.get_bbox_at(ctx, 0.5));
-    all.add_box(m.get_shading_group_bbox(0));
-    m.compute_primitive_bbox(ctx, 3, box);
-    all.add_box(box);
-    m.compute_primitive_bbox_at(ctx, 3, 0.5, box);
-    all.add_box(box);
-
-    CoreArray<unsigned int> indices;
-    m.get_primitive_indices(indices);
-    all.list.insert(all.list.end(), indices.begin(), indices.end());
-    GeometryUvMap uvs;
-    GeometryColorMap colors;
-    bool is_there = m.get_uv_map_data(0, uvs.values, uvs.indices);
-    all.add_map(is_there, uvs.values, uvs.indices);
-    is_there = m.get_polygon_uv_map(0, uvs, true);
-    all.add_map(is_there, uvs.values, uvs.indices);
-    is_there = m.get_color_map_data(0, colors.values, colors.indices);
-    all.add_map(is_there, colors.values, colors.indices);
-    is_there = m.get_polygon_color_map(0, colors, true);
-    all.add_map(is_there, colors.values, colors.indices);
-
-    GMathVec3<double> uvw, ds, dt;
-    GMathVec4<float> color;
-    m.compute_fragment_uvw(ctx, fragment, 0, uvw, ds, dt);
-    all.add(uvw.x, uvw.y, ds.x, ds.y, dt.x, dt.y);
-    m.compute_edge_uvw(ctx, 1, 2, 0, 0.25, uvw);
-    m.compute_fragment_color(ctx, fragment, 0, color);
-    all.add(uvw.x, uvw.y, uvw.z, color.x, color.y, color.z, color.w);
-    GeometryRay ray;
-    ray.ray = GMathBasicRay({1.5, 0.5, 1}, {0, 0, -1});
-    GeometryHit hit;
-    GeometryRaytraceCtx rays(&ray, &hit, 1);
-    m.intersect_primitive(ctx, 1, rays);
-    GeometryFrustumCtx frustum;
-    m.intersect_primitive(ctx, 1, frustum);
-    all.add(hit.primitive_index, hit.s, hit.t, hit.distance, frustum.accepted_count,
-            frustum.is_rejected);
-    return all.list;
-}
-
 TEST(PolyMeshSmoothed, AnswersAsItsMesh) {
     PolyMesh mesh;
     set_row(mesh);
     PolyMeshSmoothed smoothed;
     smoothed.set(mesh, 30, none, nullptr);
-    EXPECT_EQ(ask_all(smoothed), ask_all(mesh));
+    EXPECT_EQ(ask_all(smoothed, 1, 0.5), ask_all(mesh, 1, 0.5));
     EXPECT_EQ(&smoothed.get_uv_map_name(0), &mesh.get_uv_map_name(0));
     EXPECT_EQ(&smoothed.get_color_map_name(0), &mesh.get_color_map_name(0));
     EXPECT_FALSE(smoothed.is_serializable());
