@@ -3,12 +3,13 @@
 #include <poly/topology/ear_triangle.h>
 
 // Which corners wait for which blocker to go: a list for each blocker, threaded through one record
-// a corner. A corner waits for one blocker at a time.
+// a corner. A corner waits for one blocker at a time. Blockers are numbers below the corner count
+// of any meaning.
 class BlockedCorners {
   public:
     struct Record {
-        unsigned int first_waiting;  // for this corner to go
-        unsigned int blocker;        // that this corner waits for, or no_corner
+        unsigned int first_waiting;  // for the blocker of this number to go
+        unsigned int blocker;        // that the corner of this number waits for, or no_corner
         unsigned int previous;       // in the blocker's list, or no_corner
         unsigned int next;
     };

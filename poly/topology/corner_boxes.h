@@ -3,19 +3,15 @@
 #include <poly/topology/ear_triangle.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
-// Coordinates up to this magnitude cannot overflow in the ear tests: differences stay below 2e18,
-// products below 4e36 and their differences below 8e36. Boxes may be used on no others.
-constexpr float box_coordinate_limit = 1e18f;
+// A corner that is not finite blocks no ear. A NaN fails all tests. At an infinite x, a side whose
+// dy is not negative has the test value `something - infinity`, or NaN, and fails; no ear has three
+// sides of negative dy. The same holds for y and positive dx.
+inline bool is_finite(PlanePoint const& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
-inline bool is_box_coordinate(PlanePoint const& p) {
-    // A NaN fails.
-    return p.x >= -box_coordinate_limit && p.x <= box_coordinate_limit &&
-           p.y >= -box_coordinate_limit && p.y <= box_coordinate_limit;
-}
-
-// The bounding boxes of eight sets of points.
+// The bounding boxes of eight sets of finite points.
 struct CornerBoxes {
     float min_x[lane_group_size];
     float max_x[lane_group_size];
@@ -46,22 +42,67 @@ struct CornerBoxes {
     }
 };
 
-// Bit k: a point of box k may be inside all three sides of the ear.
-// Exact, without a margin: float subtraction, multiplication by a constant and comparison are
-// monotone, rounding included, so the test of a side taken at the box's corner that favours it most
-// holds if it holds anywhere in the box.
-inline unsigned int find_entered_boxes(EarTriangle const& ear, CornerBoxes const& boxes) {
-    auto const is_entered = [&boxes](EarEdge const& edge, unsigned int const& first) {
-        float const* const x = edge.dy >= 0.0f ? boxes.min_x : boxes.max_x;
-        float const* const y = edge.dx >= 0.0f ? boxes.max_y : boxes.min_y;
-        return edge.is_inside(x + first, y + first);
-    };
-    auto const find_four = [&](unsigned int const& first) {
-        return (is_entered(ear.ca, first) & is_entered(ear.ab, first) & is_entered(ear.bc, first))
+// One side of an ear, asked of boxes: may a point of the box be inside?
+//
+// Exact, without a margin and for any floats: subtraction, multiplication by a constant and
+// comparison are monotone, rounding and overflow included, so the test taken at the box's corner
+// that favours it most holds if it holds anywhere in the box. If it is NaN there, it holds nowhere:
+// - infinity - infinity: a first product of -infinity, or a second of infinity, fails all points,
+//   and these products are at their best;
+// - 0 * infinity, dx or dy being the infinity: at the other points of the box the product is the
+//   infinity that fails, at those of the same coordinate NaN;
+// - infinity * 0, the difference having overflowed or holding an infinite coordinate: all points
+//   fail if the side begins at infinity. Otherwise others may have a product of 0; it is replaced
+//   by a 0 for all.
+class BoxEdge {
+  public:
+    explicit BoxEdge(EarEdge const& edge)
+        : m_x(edge.dy == 0.0f ? edge.x * 0.0f : edge.x),
+          m_y(edge.dx == 0.0f ? edge.y * 0.0f : edge.y),
+          m_dx(edge.dx),
+          m_dy(edge.dy),
+          m_best_x(edge.dy >= 0.0f ? &CornerBoxes::min_x : &CornerBoxes::max_x),
+          m_best_y(edge.dx >= 0.0f ? &CornerBoxes::max_y : &CornerBoxes::min_y) {}
+
+    // Of four boxes.
+    auto is_entered(CornerBoxes const& boxes, unsigned int const& first) const {
+        FloatLanes const x(boxes.*m_best_x + first);
+        FloatLanes const y(boxes.*m_best_y + first);
+        return (y - FloatLanes(m_y)) * FloatLanes(m_dx) -
+                   (x - FloatLanes(m_x)) * FloatLanes(m_dy) >=
+               FloatLanes(0.0f);
+    }
+
+  private:
+    float m_x;
+    float m_y;
+    float m_dx;
+    float m_dy;
+    float const (CornerBoxes::*m_best_x)[lane_group_size];
+    float const (CornerBoxes::*m_best_y)[lane_group_size];
+};
+
+// Finds the boxes of which a point may be inside all three sides of an ear.
+class BoxTriangle {
+  public:
+    explicit BoxTriangle(EarTriangle const& ear) : m_ca(ear.ca), m_ab(ear.ab), m_bc(ear.bc) {}
+
+    // Bit k: box k is one of them.
+    unsigned int find_entered(CornerBoxes const& boxes) const {
+        return find_four(boxes, 0) | find_four(boxes, 4) << 4;
+    }
+
+  private:
+    unsigned int find_four(CornerBoxes const& boxes, unsigned int const& first) const {
+        return (m_ca.is_entered(boxes, first) & m_ab.is_entered(boxes, first) &
+                m_bc.is_entered(boxes, first))
             .get_bits();
-    };
-    return find_four(0) | find_four(4) << 4;
-}
+    }
+
+    BoxEdge m_ca;
+    BoxEdge m_ab;
+    BoxEdge m_bc;
+};
 
 // The part of the plane outside of which no point can block the ear: its box, grown by a margin
 // that covers the rounding of the three tests. Unlimited where the ear is too thin for that.
@@ -71,9 +112,16 @@ inline unsigned int find_entered_boxes(EarTriangle const& ear, CornerBoxes const
 // -e * area. The tests round by less than 8.1 * 2^-24 * X * Y * (1 + e). So the point fails where
 // e / (1 + e) exceeds 16.2 * 2^-24 * X * Y / (2 * area), for which the margin below is enough as
 // long as it is not above 0.12, that is, for 2 * area > 1e-5 * X * Y. The least area keeps
-// underflow out of the reckoning.
+// underflow out of the reckoning. Overflow of products and of their difference cannot turn a value
+// below zero into one above, that of the coordinates' differences could.
 class EarReach {
   public:
+    // No difference of coordinates up to this magnitude overflows.
+    static constexpr float coordinate_limit = std::numeric_limits<float>::max() / 2;
+
+    // Unlimited.
+    EarReach() = default;
+    // Of an ear among points of which no coordinate but NaN is beyond the limit.
     EarReach(PlanePoint const& a, PlanePoint const& b, PlanePoint const& c) {
         float const low_x = std::min(std::min(a.x, b.x), c.x);
         float const low_y = std::min(std::min(a.y, b.y), c.y);

@@ -1,56 +1,67 @@
 #pragma once
 
 #include <poly/topology/corner_boxes.h>
+#include <poly/topology/curve_order.h>
 #include <poly/topology/scratch_block.h>
 
-// Finds a corner that blocks an ear among many in about the time that the few near the ear take.
+// Finds a vertex that blocks an ear among many in about the time that the few near the ear take.
 //
-// Corners are laid out along a curve through the plane; eight that follow one another make a leaf,
+// Vertices are laid out along a curve through the plane; eight that follow one another make a leaf,
 // eight leaves or nodes a node, which holds their boxes. A search leaves out boxes that the ear's
-// own tests prove free of blockers (corner_boxes.h), and asks those tests of the corners in the
-// rest.
+// own tests prove free of blockers (corner_boxes.h), and asks those tests of the vertices in the
+// rest. Each has one slot however many corners it has, so that at most three are in an ear and yet
+// no blockers, being its own.
 class CornerTree {
   public:
+    // What find_blocker and remove return for none.
+    static constexpr unsigned int no_slot = 0xFFFFFFFFu;
+
     // Bytes that build takes from its scratch block.
     static std::size_t get_scratch_size(std::size_t const& count);
 
-    // A tree of all `count` corners, corner i being `points[i]` and the vertex `indices[i]`. Every
-    // point must be in reach of boxes (is_box_coordinate). All three arguments outlive the tree.
+    // A tree of the vertices of all `count` corners, corner i being `points[i]` and the vertex
+    // `indices[i]`; slots are below `count`. `points` and `scratch` outlive the tree.
     void build(PlanePoint const* points, unsigned int const* indices, unsigned int const& count,
                ScratchBlock& scratch);
 
-    // Takes a corner out, once.
-    void remove(unsigned int const& corner);
+    // Takes a corner out, once. Returns the slot of its vertex if this was the last corner in it.
+    unsigned int remove(unsigned int const& corner);
 
-    // One of the corners in the tree that lie in the ear (a, b, c) and are none of its three
-    // vertices; no_corner if there is none.
+    // The slot of one of the vertices in the tree that lie in the ear (a, b, c) and are none of its
+    // own three; no_slot if there is none.
     unsigned int find_blocker(unsigned int const& a, unsigned int const& b,
                               unsigned int const& c) const;
+
+    // Whether the vertex of `slot`, which is still in the tree, is such a one.
+    bool is_blocker(unsigned int const& slot, unsigned int const& a, unsigned int const& b,
+                    unsigned int const& c) const;
 
   private:
     struct Ear;
 
-    void sort_corners(ScratchBlock& scratch);
-    void fill_leaves();
+    unsigned int place_corners(PlacedCorner* placed);
+    void fill_slots(PlacedCorner const* placed, unsigned int const& placed_count,
+                    unsigned int const* indices);
     void fill_nodes();
     void fill_node_level(unsigned int const& level, unsigned int const& child_count);
     unsigned int find_in_leaf(Ear const& ear, unsigned int const& leaf) const;
 
-    // Leaves for 2^32 corners need ten levels of nodes.
-    static constexpr unsigned int max_level_count = 11;
+    // Leaves for 2^32 corners need this many levels of nodes, the highest of four.
+    static constexpr unsigned int max_level_count = 9;
 
     PlanePoint const* m_points = nullptr;
-    unsigned int const* m_indices = nullptr;
     unsigned int m_count = 0;
-    unsigned int m_leaf_count = 0;
+    bool m_is_reach_known = true;  // no coordinate is beyond the limit
 
-    // By slot, the place along the curve; the last leaf is filled up.
+    // By slot, the vertices' place along the curve; the last leaf is filled up.
     float* m_x = nullptr;  // NaN in free slots, which no ear contains
     float* m_y = nullptr;
-    unsigned int* m_corners = nullptr;
-    unsigned int* m_slots = nullptr;  // by corner
+    unsigned int* m_uses = nullptr;   // corners left
+    unsigned int* m_slots = nullptr;  // by corner; no_slot if it is not finite
+    unsigned int m_slot_count = 0;
 
-    unsigned char* m_leaf_sizes = nullptr;  // corners left in each leaf
+    unsigned char* m_leaf_sizes = nullptr;  // vertices left in each leaf
+    unsigned int m_leaf_count = 0;
     // The nodes of each level from m_level_begins[level] on; level 0 holds the boxes of leaves.
     CornerBoxes* m_nodes = nullptr;
     unsigned char* m_node_sizes = nullptr;  // children of each node that are not empty

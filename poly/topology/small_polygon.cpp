@@ -86,42 +86,36 @@ class SmallCorners {
 
     // The groups that may hold a blocker, as bits.
     unsigned int find_groups(EarTriangle const& ear) {
-        if (m_box_state == BoxState::UNKNOWN) {
-            build_boxes();
-        }
-        if (m_box_state == BoxState::UNUSABLE) {
+        if (m_count < least_boxed_size) {
             return (1u << get_group_count()) - 1u;
         }
+        if (!m_has_boxes) {
+            build_boxes();
+        }
+        BoxTriangle const box_triangle(ear);
         unsigned int groups = 0;
         for (unsigned int k = 0; k < word_count; ++k) {
-            groups |= find_entered_boxes(ear, m_boxes[k]) << (lane_group_size * k);
+            groups |= box_triangle.find_entered(m_boxes[k]) << (lane_group_size * k);
         }
         return groups;
     }
 
     void build_boxes() {
-        m_box_state = BoxState::UNUSABLE;
-        if (m_count < least_boxed_size) {
-            return;
-        }
+        m_has_boxes = true;
         for (unsigned int group = 0; group < word_count * lane_group_size; ++group) {
             m_boxes[group / lane_group_size].clear(group % lane_group_size);
         }
         for (unsigned int i = 0; i < m_count; ++i) {
-            if (!is_box_coordinate(get_point(i))) {
-                return;
+            if (is_finite(get_point(i))) {
+                unsigned int const group = i / lane_group_size;
+                m_boxes[group / lane_group_size].include(group % lane_group_size, get_point(i));
             }
-            unsigned int const group = i / lane_group_size;
-            m_boxes[group / lane_group_size].include(group % lane_group_size, get_point(i));
         }
-        m_box_state = BoxState::READY;
     }
 
     unsigned int get_group_count() const {
         return (m_count + lane_group_size - 1) / lane_group_size;
     }
-
-    enum class BoxState { UNKNOWN, UNUSABLE, READY };
 
     static constexpr unsigned int capacity = 64 * word_count;
 
@@ -131,7 +125,7 @@ class SmallCorners {
     unsigned char m_next[capacity];
     Set m_waiting[capacity];  // the corners that this one blocks; some may be open or gone by now
     CornerBoxes m_boxes[word_count];
-    BoxState m_box_state = BoxState::UNKNOWN;
+    bool m_has_boxes = false;
     unsigned int const* m_indices;
     unsigned int m_count;
     Set m_left;
