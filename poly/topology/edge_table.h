@@ -3,6 +3,7 @@
 #include <platform/qz_core.h>
 
 #include <algorithm>
+#include <cassert>
 
 // Finds, for one edge after another, the first edge given with the same two vertices in either
 // direction. `Edge` is what the caller wants to know of that first edge.
@@ -27,6 +28,7 @@ class EdgeTable {
     Edge const* find_or_add(unsigned int const& a, unsigned int const& b, Edge const& edge) {
         unsigned int const low = std::min(a, b);
         unsigned int const high = std::max(a, b);
+        assert(low != high && high < m_heads.get_count());
         Place const place = find(&m_heads[low], high, full_length);
         if (place.record) {
             return &place.record->edge;

@@ -6,8 +6,7 @@
 // Turns every polygon of a list round, in place: its last corner becomes its first.
 //   polygon_vertex_count    the corner count of each of the `polygon_count` polygons
 //   polygon_vertex_indices  their corners, one polygon after another; at least as many as the
-//   counts
-//                           add up to (not checked)
+//                           counts add up to (not checked)
 QZ_POLY_EXPORT void reverse_poly_order(unsigned int const* polygon_vertex_count,
                                        unsigned int const& polygon_count,
                                        CoreArray<unsigned int>& polygon_vertex_indices);
