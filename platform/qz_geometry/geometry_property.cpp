@@ -114,21 +114,21 @@ inline unsigned int GeometryProperty::evaluate_by(Callback<T> const& callback, C
     if (!callback || sample_count == 0) {
         return 0;
     }
-    unsigned int const count = std::min(max_count, largest_component_count);
     unsigned int sample = 0;
     if (sample_count > 1) {
         double factor = 0.0;
         m_time_sampling.get_span(fragment.time, sample, factor);
         if (factor != 0.0 && factor != 1.0) {
             return evaluate_between(callback, ctx, fragment, sample, factor,
-                                    {values, d_ds, d_dt, d_extra}, count);
+                                    {values, d_ds, d_dt, d_extra},
+                                    std::min(max_count, largest_blend_count));
         }
         sample += factor == 1.0 ? 1 : 0;
     }
     if (!load(sample)) {
         return 0;
     }
-    return callback(*this, ctx, fragment, sample, values, d_ds, d_dt, d_extra, count);
+    return callback(*this, ctx, fragment, sample, values, d_ds, d_dt, d_extra, max_count);
 }
 
 // The later sample goes to scratch first, so that its count limits what the outputs are given.
@@ -141,7 +141,7 @@ unsigned int GeometryProperty::evaluate_between(Callback<T> const& callback, Ctx
     if (!load(sample) || !load(sample + 1)) {
         return 0;
     }
-    T scratch[4][largest_component_count];
+    T scratch[4][largest_blend_count];
     T* later[4];
     for (unsigned int k = 0; k < 4; ++k) {
         later[k] = outputs[k] ? scratch[k] : nullptr;

@@ -30,8 +30,8 @@ inline long long geometry_truncate(double const& value) {
 // them while the others wait. Attaching blocks and copying is for one thread alone.
 class QZ_GEOMETRY_EXPORT GeometryProperty : public CoreBaseObject {
   public:
-    // The most components that an evaluation gives.
-    static constexpr unsigned int largest_component_count = 64;
+    // The most components that an evaluation between two samples gives.
+    static constexpr unsigned int largest_blend_count = 64;
 
     // Evaluates one motion sample, whose block is attached. Every output has room for `max_count`
     // components, or is null and skipped. Returns the number of components that each was given.
@@ -69,13 +69,13 @@ class QZ_GEOMETRY_EXPORT GeometryProperty : public CoreBaseObject {
     unsigned int const& get_index_count() const { return m_index_count; }
 
     // The property at a fragment and its time. Outputs as for the callbacks. Returns the number of
-    // components given, at most `largest_component_count`; 0, with the outputs untouched, when the
-    // value type cannot be evaluated, a block is missing, or the fragment names nothing.
+    // components given; 0, with the outputs untouched, when the value type cannot be evaluated, a
+    // block is missing, or the fragment names nothing.
     //
     // At the time of a sample, and before the first and after the last, it is that sample. Between
     // two it is a + (b - a) * factor in doubles, or just a where a equals b; as integers, that sum
-    // truncated. The components are then those that both samples have. Allocates nothing, but for
-    // what loading takes.
+    // truncated. The components are then those that both samples have, and at most
+    // `largest_blend_count`. Allocates nothing, but for what loading takes.
     unsigned int evaluate(CtxEval const& ctx, GeometryFragment const& fragment, long long* values,
                           long long* d_ds, long long* d_dt, long long* d_extra,
                           unsigned int const& max_count) const;

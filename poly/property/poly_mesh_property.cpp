@@ -2,6 +2,9 @@
 
 #include <poly/property/property_callbacks.h>
 
+#include <algorithm>
+#include <cassert>
+
 PolyMeshProperty::PolyMeshProperty(PolyMesh const& mesh, PolyMeshProperty::Type const& type,
                                    ResourceProperty::Type const& value_type,
                                    unsigned int const& value_extent,
@@ -41,6 +44,8 @@ bool PolyMeshProperty::init(unsigned int const& sample, ResourceProperty* values
 
 void PolyMeshProperty::init_indices(CoreBasicArray<unsigned int> const& indices) {
     if (indices.get_data() != m_indices.get_data()) {
+        assert(std::all_of(m_values.begin(), m_values.end(),
+                           [](ResourceProperty const* block) { return !block; }));
         m_indices.copy_from(indices);
     }
 }

@@ -59,8 +59,9 @@ class QZ_POLY_EXPORT PolyMeshProperty : public GeometryProperty {
     // are as many indices (without indices, items) as there are polygons, or vertices; with
     // indices, polygon corners in place of vertices.
     bool init(unsigned int const& sample, ResourceProperty* values);
-    // Copies `indices`: the item of every polygon corner. None, or an array from `get_indices`:
-    // takes them away, or does nothing. To be called before `init`, which goes by their number.
+    // Replaces the indices by a copy of `indices`: the number of the item of each polygon corner.
+    // An empty array leaves the property without indices; its own array, from `get_indices`,
+    // changes nothing. No block may be attached yet, since `init` holds them to the index count.
     void init_indices(CoreBasicArray<unsigned int> const& indices);
 
     // The block of a sample, loaded if need be; null when there is none.

@@ -177,7 +177,7 @@ TEST_F(PropertyTest, TheShortestItemDecides) {
     EXPECT_TRUE(property.init(0, &block));
     std::pair<GeometryFragment, unsigned int> const rows[] = {
         {{none, 0, 1, 0}, 2}, {{none, 1, 0, 0}, 1}, {{none, 1, 1, 0}, 0},
-        {{none, 5, 0, 0}, 0}, {{2, 99}, 4},         {{7, 0}, 64}};
+        {{none, 5, 0, 0}, 0}, {{2, 99}, 4},         {{7, 0}, 78}};
     for (auto const& [fragment, expected] : rows) {
         Reals r(90, 77);
         EXPECT_EQ(property.evaluate(CtxEval(), fragment, &r[0], nullptr, nullptr, nullptr, 90),
@@ -234,6 +234,7 @@ TEST_F(PropertyTest, CopiesShareBlocksAndHaveTheirOwnIndices) {
     EXPECT_EQ(copy.get_indices().get_count(), 12u);
     EXPECT_EQ(copy.get_memory_size(), sizeof copy);
     EXPECT_TRUE(copy.is_kindof(GeometryProperty::class_info()));
+    EXPECT_FALSE(original->init(0, nullptr));
     original->init_indices({});
     EXPECT_FALSE(original->has_indices());
     delete original;

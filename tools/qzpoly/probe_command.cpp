@@ -79,7 +79,7 @@ ToolJson list_colors(GeometryObject const& geometry, CtxEval const& ctx,
 
 ToolJson list_properties(GeometryObject const& geometry, CtxEval const& ctx,
                          GeometryFragment const& fragment) {
-    constexpr unsigned int capacity = GeometryProperty::largest_component_count;
+    constexpr unsigned int capacity = GeometryProperty::largest_blend_count;
     ToolJson properties = ToolJson::array();
     for (unsigned int i = 0; i < geometry.get_property_count(); ++i) {
         GeometryProperty const& property = geometry.get_property(i);
