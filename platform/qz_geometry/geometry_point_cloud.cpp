@@ -37,12 +37,14 @@ void encode_units(CoreBasicArray<GMathVec3<float>> const& normals,
 GeometryPointCloud::GeometryPointCloud(unsigned int const& point_count)
     : m_data(new GeometryPointCloudData), m_origin(get_new_origin()) {
     m_data->point_count = point_count;
+    m_data->m_counting_cloud = this;
 }
 
 GeometryPointCloud::GeometryPointCloud(GeometryPointCloud const& other, bool const& is_deep)
-    : m_data(other.m_data), m_origin(other.m_origin), m_is_maker(is_deep) {
+    : m_data(other.m_data), m_origin(other.m_origin) {
     if (is_deep) {
         m_data = new GeometryPointCloudData(*other.m_data);
+        m_data->m_counting_cloud = this;
     } else {
         m_data->m_reference_count.fetch_add(1, std::memory_order_relaxed);
     }
@@ -53,7 +55,8 @@ GeometryPointCloud::~GeometryPointCloud() { release_data(); }
 GeometryPointCloud& GeometryPointCloud::operator=(GeometryPointCloud const& other) {
     if (m_data != other.m_data) {
         other.m_data->m_reference_count.fetch_add(1, std::memory_order_relaxed);
-        replace_data(other.m_data, false);
+        release_data();
+        m_data = other.m_data;
     }
     m_origin = other.m_origin;
     return *this;
@@ -72,7 +75,7 @@ void GeometryPointCloud::init(unsigned int const& point_count, GMathVec3<float> 
     if (velocities) {
         data->velocities.copy_from({velocities, point_count});
     }
-    replace_data(data, true);
+    replace_data(data);
     m_origin = get_new_origin();
 }
 
@@ -139,27 +142,31 @@ GMathVec2<float> GeometryPointCloud::get_primitive_uv(unsigned int const& point)
 }
 
 unsigned long long GeometryPointCloud::get_memory_size() const {
-    return sizeof(GeometryPointCloud) + (m_is_maker ? m_data->get_memory_size() : 0);
+    GeometryPointCloud const* counting = nullptr;
+    bool const is_counting =
+        m_data->m_counting_cloud.compare_exchange_strong(counting, this) || counting == this;
+    return sizeof(GeometryPointCloud) + (is_counting ? m_data->get_memory_size() : 0);
 }
 
-void GeometryPointCloud::replace_data(GeometryPointCloudData* data, bool const& is_maker) {
+// `data` is new.
+void GeometryPointCloud::replace_data(GeometryPointCloudData* data) {
     release_data();
     m_data = data;
-    m_is_maker = is_maker;
+    m_data->m_counting_cloud = this;
 }
 
 void GeometryPointCloud::release_data() {
+    GeometryPointCloud const* counting = this;
+    m_data->m_counting_cloud.compare_exchange_strong(counting, nullptr);
     if (m_data->m_reference_count.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         delete m_data;
     }
 }
 
-// The one gate to writing: what is shared is copied first. A cloud that is left alone with its
-// arrays owns them, whoever made them.
+// The one gate to writing: what is shared is copied first.
 GeometryPointCloudData& GeometryPointCloud::get_writable_data() {
     if (m_data->m_reference_count.load(std::memory_order_acquire) != 1) {
-        replace_data(new GeometryPointCloudData(*m_data), true);
+        replace_data(new GeometryPointCloudData(*m_data));
     }
-    m_is_maker = true;
     return *m_data;
 }

@@ -9,6 +9,8 @@
 #include <atomic>
 #include <memory>
 
+class GeometryPointCloud;
+
 // Makes the positions of deformation samples. Asked once per sample and cloud, possibly from a
 // render thread, but never by two threads at once for one cloud.
 class QZ_GEOMETRY_EXPORT GeometrySampleProvider {
@@ -73,6 +75,8 @@ class QZ_GEOMETRY_EXPORT GeometryPointCloudData {
     void clear_cache();
 
     std::atomic<unsigned int> m_reference_count{1};
+    // The cloud that counts the arrays as its memory; null until somebody claims them.
+    std::atomic<GeometryPointCloud const*> m_counting_cloud{nullptr};
 };
 
 // A set of points. Copies share their arrays until one of them writes; then it gets its own, with
@@ -127,15 +131,15 @@ class QZ_GEOMETRY_EXPORT GeometryPointCloud {
     // The arrays themselves, valid until this cloud is written, assigned or destroyed.
     GeometryPointCloudData const& get_data() const { return *m_data; }
 
-    // The object, and its arrays when this cloud made them.
+    // The object, and its arrays when it is this cloud that counts them: who made them, and when
+    // that cloud is gone, the first of those left to be asked.
     unsigned long long get_memory_size() const;
 
   private:
-    void replace_data(GeometryPointCloudData* data, bool const& is_maker);
+    void replace_data(GeometryPointCloudData* data);
     void release_data();
     GeometryPointCloudData& get_writable_data();
 
     GeometryPointCloudData* m_data;
     unsigned long long m_origin;
-    bool m_is_maker = true;  // the arrays were made by this cloud, not taken over
 };

@@ -49,6 +49,16 @@ TEST(GeometryPointCloud, SharesItsArraysUntilOneWrites) {
     EXPECT_EQ(source.get_memory_size(),
               cloud_size + sizeof(GeometryPointCloudData) + 2 * (28 + 36) + 6 * 16);
 
+    {
+        GeometryPointCloud const maker(source, true);
+        copy = maker;
+        assigned = maker;
+        EXPECT_EQ(assigned.get_memory_size(), cloud_size);
+    }
+    EXPECT_EQ(copy.get_memory_size(), deep.get_memory_size());
+    EXPECT_EQ(assigned.get_memory_size(), cloud_size);
+    copy = assigned = source;
+
     copy.set_positions(view({{5, 5, 5}, {6, 6, 6}, {7, 7, 7}}));
     EXPECT_NE(&copy.get_data(), &source.get_data());
     EXPECT_EQ(copy.get_data().positions[2], Vec(7, 7, 7));
