@@ -2,6 +2,8 @@
 
 #include <platform/qz_gmath.h>
 
+#include <cassert>
+
 // Equal components, where +0 and -0 are the same.
 inline bool is_same_half(unsigned short const& a, unsigned short const& b) {
     return a == b || ((a | b) & 0x7FFFu) == 0;
@@ -12,7 +14,7 @@ inline bool is_same_normal(GMathShortNormal const& a, GMathShortNormal const& b)
 
 // The normals that corners have beside those of their vertices: each vertex's without repetition,
 // all numbered in the order in which they came. A hash table finds a vertex's normal in constant
-// time, however many it has.
+// time, however many it has; its slots are numbered in 32 bits, which allows 2^30 normals.
 class ExtraNormals {
   public:
     // The number of a normal of this vertex; a new one is appended.
@@ -58,6 +60,7 @@ class ExtraNormals {
     }
 
     void grow() {
+        assert(m_slots.get_count() < 0x80000000u);
         m_slots.reset(m_slots.is_empty() ? 64 : 2 * m_slots.get_count());
         m_slots.fill(no_normal);
         for (unsigned int i = 0; i < m_normals.get_count(); ++i) {

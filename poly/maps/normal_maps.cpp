@@ -4,12 +4,14 @@
 #include <poly/mesh/poly_mesh.h>
 #include <poly/mesh/progress_task.h>
 
+#include <algorithm>
+
 void PolyMesh::set_normal_maps(CoreBasicArray<GeometryNormalMap> const& normal_maps,
                                AppProgressBar* progress) {
     own_geometry_copy();
     CoreArray<PolyMeshNormalMap>& stored = m_geometry->normal_maps;
     stored.clear();
-    float const weight = 1.0f / static_cast<float>(normal_maps.get_count());
+    float const weight = 1.0f / static_cast<float>(std::max(normal_maps.get_count(), 1u));
     for (GeometryNormalMap const& map : normal_maps) {
         ProgressTask const task(progress, map.name.get_data(), weight);
         if (is_accepted(map, get_vertex_count(), get_polygon_index_count())) {

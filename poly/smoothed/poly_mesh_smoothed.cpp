@@ -8,9 +8,12 @@
 PolyMeshSmoothed::PolyMeshSmoothed() : m_normal_map(new PolyMeshNormalMap) {}
 
 PolyMeshSmoothed::PolyMeshSmoothed(PolyMeshSmoothed const& other)
+    : PolyMeshSmoothed(other, new PolyMeshNormalMap(*other.m_normal_map)) {}
+
+PolyMeshSmoothed::PolyMeshSmoothed(PolyMeshSmoothed const& other, PolyMeshNormalMap* normal_map)
     : PolyMeshBase(other),
       m_mesh(other.m_mesh),
-      m_normal_map(new PolyMeshNormalMap(*other.m_normal_map)),
+      m_normal_map(normal_map),
       m_current_normal_map(other.uses_own_map() ? m_normal_map : other.m_current_normal_map) {}
 
 PolyMeshSmoothed& PolyMeshSmoothed::operator=(PolyMeshSmoothed const& other) {
@@ -25,7 +28,12 @@ PolyMeshSmoothed& PolyMeshSmoothed::operator=(PolyMeshSmoothed const& other) {
 PolyMeshSmoothed::~PolyMeshSmoothed() { delete m_normal_map; }
 
 PolyMeshSmoothed* PolyMeshSmoothed::get_copy() const {
-    return new (std::nothrow) PolyMeshSmoothed(*this);
+    PolyMeshNormalMap* const map = new (std::nothrow) PolyMeshNormalMap(*m_normal_map);
+    PolyMeshSmoothed* const copy = map ? new (std::nothrow) PolyMeshSmoothed(*this, map) : nullptr;
+    if (!copy) {
+        delete map;
+    }
+    return copy;
 }
 
 void PolyMeshSmoothed::set(PolyMesh const& mesh, double const& smoothing_angle,

@@ -76,7 +76,8 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
 
     // GeometryObject
 
-    PolyMeshSmoothed* get_copy() const override;  // null when there is no memory
+    // Null when there is no memory for the view and its map.
+    PolyMeshSmoothed* get_copy() const override;
     GMathBbox3<double> get_bbox() const override;
     GMathBbox3<double> get_bbox_at(CtxEval const& ctx, double const& time) const override;
     CoreArray<CoreString> const& get_shading_group_names() const override;
@@ -139,6 +140,9 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
                                     bool const& always_indices) const override;
 
   private:
+    // A copy that takes `normal_map` as its own map, a copy of that of `other`.
+    PolyMeshSmoothed(PolyMeshSmoothed const& other, PolyMeshNormalMap* normal_map);
+
     bool uses_own_map() const { return m_current_normal_map == m_normal_map; }
     bool is_own_map_of_mesh() const;
     GMathVec3<float> get_polygon_vertex_normal(unsigned int const& corner,

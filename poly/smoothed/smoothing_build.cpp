@@ -57,6 +57,7 @@ class SmoothingBuilder {
 
     void store(unsigned int const& corner_count, PolyMeshNormalMap& map) {
         map.normals.swap(m_normals);
+        assert(map.normals.get_count() <= none - m_vertex_count);
         map.polygon_indices.init(corner_count, m_vertex_count + map.normals.get_count());
         // Corners that two halves of a quad share keep the result of the second.
         for (unsigned int corner = 0; corner < m_results.get_count(); ++corner) {
