@@ -1,0 +1,8 @@
+#pragma once
+
+#include <bench/bench.h>
+#include <bench/make_inputs.h>
+
+// The rows, by subject. `inputs` must outlive the bench.
+
+void add_obj_rows(Bench& bench, BenchInputs& inputs);
