@@ -79,7 +79,7 @@ bool ObjBuilder::end_face(ObjReport& report) {
 bool ObjBuilder::finish(ObjReport& report, ObjMesh& mesh) {
     unsigned int const point_count = positions.get_count();
     if (point_count == 0) {
-        return report.refuse("the file ends without a point");
+        return report.refuse_file("the file ends without a point");
     }
     if (forward.is_beyond(point_count)) {
         CoreString reason("a face names point ");

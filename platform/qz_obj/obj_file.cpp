@@ -50,14 +50,14 @@ bool read_blocks(SysFile& file, ObjLimits const& limits, ObjProgress& progress, 
         text = reader.get_text();
     }
     return reader.is_rest_too_long() ? report.refuse("a word of more than 65536 bytes")
-                                     : report.refuse(file.get_error().get_view());
+                                     : report.refuse_file(file.get_error().get_view());
 }
 
 bool read_mesh(CoreString const& path, ObjLimits const& limits, ObjProgress& progress,
                ObjReport& report, ObjMesh& mesh) {
     SysFile file;
     if (!file.open(path, SysFile::MODE_READ)) {
-        return report.refuse(file.get_error().get_view());
+        return report.refuse_file(file.get_error().get_view());
     }
     ObjBuilder builder(limits, progress);
     builder.reserve(file.get_size());

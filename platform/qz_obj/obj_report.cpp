@@ -20,7 +20,11 @@ static_assert(std::size(warning_texts) == ObjReport::WARNING_COUNT);
 CoreString get_message(CoreString const& path, unsigned long long const& line,
                        std::string_view const& reason) {
     CoreString text("Obj.load: '");
-    text.append(path).append("' line ").append(line).append(": ").append(reason).append(".\n");
+    text.append(path).append("'");
+    if (line != 0) {
+        text.append(" line ").append(line);
+    }
+    text.append(": ").append(reason).append(".\n");
     return text;
 }
 

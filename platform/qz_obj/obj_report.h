@@ -24,9 +24,11 @@ class ObjReport {
     // The first refusal counts. Returns false.
     bool refuse(std::string_view const& reason) { return refuse_at(line, reason); }
     bool refuse_at(unsigned long long const& at_line, std::string_view const& reason);
+    // Of the file as a whole: no line is told.
+    bool refuse_file(std::string_view const& reason) { return refuse_at(0, reason); }
     // "reason: 'word'", the word cut to a bearable length and its odd bytes masked.
     bool refuse_word(std::string_view const& reason, std::string_view const& word);
-    bool is_refused() const { return m_refusal_line != 0; }
+    bool is_refused() const { return !m_refusal.is_empty(); }
 
     void warn(Warning const& kind) { warn_at(kind, line, 1); }
     void warn_at(Warning const& kind, unsigned long long const& at_line,

@@ -155,8 +155,8 @@ TEST(ObjText, Refusals) {
         char const* reason;
     };
     Refused const rows[] = {
-        {"", 1, "without a point"},
-        {"# nothing\nf 1 2 3\n", 3, "without a point"},
+        {"", 0, "without a point"},
+        {"# nothing\nf 1 2 3\n", 0, "without a point"},
         {"\xFF\xFEv\0"s, 1, "UTF-16"},
         {"\xFE\xFF\0v"s, 1, "UTF-16"},
         {"v 1 2 3\n\nv\0"s, 3, "NUL"},
@@ -192,8 +192,8 @@ TEST(ObjText, Refusals) {
     for (Refused const& row : rows) {
         SCOPED_TRACE(row.text);
         std::string const path = write_obj(expand(row.text));
-        std::string const place =
-            "Obj.load: '" + path + "' line " + std::to_string(row.line) + ": ";
+        std::string const line = row.line == 0 ? "" : " line " + std::to_string(row.line);
+        std::string const place = "Obj.load: '" + path + "'" + line + ": ";
         for (unsigned int const block_size : block_sizes) {
             std::string const message =
                 read_obj_file(path, {.block_size = block_size}).get_refusal();
