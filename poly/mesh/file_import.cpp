@@ -43,7 +43,13 @@ bool load_file(CoreString const& path, CoreString const& item_name, AppProgressB
     return is_loaded;
 }
 
-void log_refusal(CoreLogStream const& stream) { CoreLogHandler::get_main().log(2, stream); }
+template <typename... Parts>
+void log_refusal(Parts const&... parts) {
+    if (CoreLogHandler::get_main().is_admitted(2)) {
+        CoreLogStream stream;
+        CoreLogHandler::get_main().log(2, (stream << ... << parts));
+    }
+}
 
 }  // namespace
 
@@ -51,8 +57,7 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
                                 double const& /*time*/, AppProgressBar* load_progress,
                                 AppProgressBar* build_progress) {
     if (!SysFilesystem::file_exists(path)) {
-        log_refusal(CoreLogStream()
-                    << "PolyMesh.import_from_file: File '" << path << "' not found.\n");
+        log_refusal("PolyMesh.import_from_file: File '", path, "' not found.\n");
         return false;
     }
     LoadedFile file;
@@ -66,7 +71,7 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
         build_progress->start();
     }
     if (!is_loaded || file.positions.is_empty()) {
-        log_refusal(CoreLogStream() << "loading '" << path << "/" << item_name << "' failed.\n");
+        log_refusal("loading '", path, "/", item_name, "' failed.\n");
         return false;
     }
     if (!file.property_names.is_empty()) {
