@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -16,6 +17,30 @@ unsigned int get_word(double const& value) { return get_word(static_cast<float>(
 template <typename T>
 requires std::is_unsigned_v<T>
 unsigned int get_word(T const& value) { return value; }
+
+using NumberText = char[32];
+
+// As %.{p}g with the lowest precision p that reads back.
+template <typename T>
+std::string_view write_number(T const& value, NumberText& text) {
+    char* const text_end = std::end(text);
+    // No fewer digits than the shortest form has read back. At powers of two, where it need not be
+    // the nearest of its length, %g may need more.
+    int precision = 0;
+    std::to_chars(text, text_end, value, std::chars_format::scientific);
+    for (char const* at = text; *at != 'e'; ++at) {
+        precision += *at >= '0' && *at <= '9' ? 1 : 0;
+    }
+    for (;; ++precision) {
+        char const* const end =
+            std::to_chars(text, text_end, value, std::chars_format::general, precision).ptr;
+        T read = 0;
+        std::from_chars(text, end, read);
+        if (read == value) {
+            return {text, end};
+        }
+    }
+}
 
 template <typename T>
 unsigned long long get_digest(T const* entries, unsigned long long const& count) {
@@ -120,10 +145,7 @@ template void DumpWriter::write_array(char const*, unsigned short const*,
                                       unsigned long long const&);
 template void DumpWriter::write_array(char const*, unsigned char const*, unsigned long long const&);
 
-bool DumpWriter::finish() {
-    put("\n");
-    return std::fflush(m_stream) == 0 && !std::ferror(m_stream);
-}
+void DumpWriter::finish() { put("\n"); }
 
 void DumpWriter::begin_member(char const* key) {
     separate();
@@ -169,19 +191,12 @@ void DumpWriter::put_number(unsigned long long const& value) {
     put({text, std::to_chars(text, text + sizeof text, value).ptr});
 }
 
-void DumpWriter::put_number(float const& value) {
-    char text[32];
+template <typename T>
+requires std::is_floating_point_v<T>
+void DumpWriter::put_number(T const& value) {
+    NumberText text;
     if (std::isfinite(value)) {
-        put({text, std::to_chars(text, text + sizeof text, value).ptr});
-    } else {
-        put_number(static_cast<double>(value));
-    }
-}
-
-void DumpWriter::put_number(double const& value) {
-    char text[32];
-    if (std::isfinite(value)) {
-        put({text, std::to_chars(text, text + sizeof text, value).ptr});
+        put(write_number(value, text));
     } else {
         put(std::isnan(value) ? "null" : value > 0 ? "1e999" : "-1e999");
     }

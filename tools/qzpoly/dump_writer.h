@@ -8,8 +8,8 @@
 
 // Writes one JSON object to a stream, member by member, in a form that is the same on every
 // machine:
-// - floats in the fewest of 9 significant digits that read back, doubles in the fewest of 17; -0 as
-//   -0, a NaN as null, infinities as 1e999 and -1e999;
+// - floats in the fewest of 9 significant digits that read back, doubles in the fewest of 17, as %g
+//   has them; -0 as -0, a NaN as null, infinities as 1e999 and -1e999;
 // - names byte by byte, bytes outside of 0x20 to 0x7E as \u00XX;
 // - arrays flat, or with `digests` those of more than 64 entries as their count, their type and the
 //   64-bit FNV-1a hash of their entries as little-endian 32-bit words: doubles narrowed, smaller
@@ -36,8 +36,7 @@ class DumpWriter {
     template <typename T>
     void write_array(char const* key, T const* entries, unsigned long long const& count);
 
-    // What was written could be stored.
-    bool finish();
+    void finish();
 
   private:
     void begin_member(char const* key);
@@ -46,8 +45,9 @@ class DumpWriter {
     void put_name(CoreString const& name);
     void put_hexadecimal(unsigned long long const& value, int const& digit_count);
     void put_number(unsigned long long const& value);
-    void put_number(float const& value);
-    void put_number(double const& value);
+    template <typename T>
+    requires std::is_floating_point_v<T>
+    void put_number(T const& value);
     void write_integer(char const* key, unsigned long long const& value);
 
     std::FILE* m_stream;
