@@ -1,6 +1,11 @@
+#include <tests/platform/lwo_builder.h>
 #include <tests/tools/run_tool.h>
 
 #include <nlohmann/json.hpp>
+
+#include <sys/resource.h>
+
+#include <csignal>
 
 namespace {
 
@@ -20,7 +25,7 @@ TEST(Commands, VisibleEqualsThePlainCount) {
     };
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.options));
-        std::vector<std::string> arguments = {"visible", block, "--check"};
+        std::vector<std::string> arguments = {"visible", block};
         arguments.insert(arguments.end(), row.options.begin(), row.options.end());
         ToolRun const run = run_tool(arguments);
         EXPECT_EQ(run.status, 0) << run.errors;
@@ -52,6 +57,10 @@ TEST(Commands, FaultsTellTheirReason) {
     std::string const block = folder.write("block.obj", make_block(0));
     std::string const other = folder.write("other.obj", make_block(0) + "f 1 2 9\n");
     std::string const broken = folder.write("broken.obj", "v 0 0 0\nf 1 2 x\n");
+    using namespace lwo_building;
+    std::string const layers =
+        folder.write("layers.lwo", object(layer("A") + square + faces({4, 0, 1, 2, 3}) +
+                                          layer("B") + square + faces({3, 0, 1, 2})));
     struct Row {
         std::vector<std::string> arguments;
         int status;
@@ -59,22 +68,35 @@ TEST(Commands, FaultsTellTheirReason) {
     };
     std::vector<Row> const rows = {
         {{}, 2, "subcommand"},
-        {{"paint"}, 2, "subcommand"},
+        {{"paint"}, 2, "paint; see qzpoly --help"},
         {{"render", block, "--shade", "nice"}, 2, "nice"},
         {{"render", block, "--size", "0", "9"}, 2, "--size"},
         {{"render", block, "--sphere", "3", "3"}, 2, "excludes"},
         {{"info"}, 2, "FILE"},
         {{"info", folder.get_path("none.obj")}, 1, "not found"},
         {{"render", broken}, 1, "line 2"},
-        {{"render", block, "--uv-map", "3"}, 1, "has 0"},
+        {{"render", block, "--uv-map", "3"}, 2, "has 0"},
+        {{"probe", block, "--normal-map", "0"}, 2, "has 0; see qzpoly probe --help"},
+        {{"probe", block, "--primitive", "99"}, 2, "has 8"},
+        {{"probe", "--frames", layers, layers, "--item", "B", "--primitive", "9"}, 2, "has 1"},
+        {{"probe", block, "--primitive", "1", "--batch"}, 2, "excludes"},
+        {{"probe", block, "--ray", "0", "0", "-.5", "0", "0", "-inf"}, 2, "not a finite number"},
+        {{"stats", block, "--smooth", "181"}, 2, "--smooth"},
+        {{"dump", block, "--smooth", "9", "nan"}, 2, "not a finite number: nan"},
+        {{"visible", block, "--fov", "nan"}, 2, "not a finite number: nan"},
         {{"render", block, "--eye", "1", "1", "1", "--target", "1", "1", "1"}, 1, "camera"},
         {{"render", block, "--size", "8", "8", "-o", folder.get_path("no/such/folder.png")},
          1,
          "cannot write"},
-        {{"render", "--sphere", "3", "-1"}, 1, "--sphere"},
+        {{"render", block, "--size", "8", "8", "-o", "/dev/full"}, 1, "No space left"},
+        {{"pack", block, "-o", "/dev/full"}, 1, "No space left"},
+        {{"info", "no\x1b\xc3\xa9\xe9"}, 1, "no\\x1B\xc3\xa9\\xE9"},
+        {{"render", "--sphere", "3", "-1"}, 2, "--sphere"},
+        {{"render", "--sphere", "3", "3", "--frames", block, block}, 2, "excludes"},
         {{"render", "--frames", block, other}, 1, "other polygons"},
-        {{"render", "--frames", block, block, "--times", "1", "1"}, 1, "--times"},
-        {{"render", block, "--shutter", "1", "0"}, 1, "--shutter"},
+        {{"render", "--frames", block, block, "--times", "1", "1"}, 2, "--times"},
+        {{"render", block, "--shutter", "1", "0"}, 2, "closes before it opens"},
+        {{"render", block, "--shutter", "0", "inf"}, 2, "not a finite number: inf"},
     };
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
@@ -83,6 +105,41 @@ TEST(Commands, FaultsTellTheirReason) {
         EXPECT_NE(run.errors.find(row.part), std::string::npos) << run.errors;
     }
     EXPECT_EQ(run_tool({"render", "--help"}).status, 0);
+}
+
+TEST(Commands, OutputIsWholeOrNotThere) {
+    ToolFolder const folder;
+    std::string const block = folder.write("block.obj", make_block(0));
+    std::string const packed = folder.write("packed", "as it was");
+    std::filesystem::permissions(packed, std::filesystem::perms(0640));
+    std::filesystem::create_symlink("packed", folder.get_path("link"));
+    auto const count_files = [&] {
+        auto const files = std::filesystem::directory_iterator(folder.get_path("."));
+        return std::distance(begin(files), end(files));
+    };
+    rlimit const limit = {50, RLIM_INFINITY};  // bytes of a file, as on a disk that fills up
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    ToolRun const run = run_tool({"pack", block, "-o", folder.get_path("link")});
+    rlimit const no_limit = {RLIM_INFINITY, RLIM_INFINITY};
+    setrlimit(RLIMIT_FSIZE, &no_limit);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(folder.read("packed"), "as it was");
+    EXPECT_EQ(count_files(), 3);
+    EXPECT_EQ(run_tool({"pack", block, "-o", folder.get_path("link")}).status, 0);
+    EXPECT_EQ(folder.read("packed"), folder.read("link"));
+    EXPECT_GT(folder.read("packed").size(), 100u);
+    EXPECT_EQ(std::filesystem::status(packed).permissions(), std::filesystem::perms(0640));
+    EXPECT_EQ(count_files(), 3);
+}
+
+TEST(Commands, DumpHasTheFewestDigitsThatReadBack) {
+    ToolFolder const folder;
+    std::string const file = folder.write(
+        "points.obj", "v 123456792 100000 -0\nv 0.1 16777217 1e-45\nv 7.3e27 nan -1e999\n");
+    EXPECT_NE(run_tool({"dump", file})
+                  .output.find("[1.2345679e+08,1e+05,-0,0.1,16777216,1e-45,7.3e+27,null,-1e999]"),
+              std::string::npos);
 }
 
 }  // namespace

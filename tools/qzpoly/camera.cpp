@@ -1,5 +1,7 @@
 #include <tools/qzpoly/camera.h>
 
+#include <tools/qzpoly/numbers.h>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -119,16 +121,18 @@ void ToolCamera::project(GMathVec3<double> const& point, double& x, double& y,
 void add_camera_options(CLI::App& command, ToolCameraOptions& options) {
     std::string const group = "Camera";
     CLI::Option* const eye = command.add_option("--eye", options.eye, "Where the camera stands");
-    eye->type_name("X Y Z")->expected(3)->group(group);
+    eye->type_name("X Y Z")->expected(3)->check(check_finite)->group(group);
     command.add_option("--turn", options.turn_degrees, "Walks around it, in degrees")
+        ->check(check_finite)
         ->excludes(eye)
         ->group(group);
     CLI::Option* const target = command.add_option("--target", options.target, "What it looks at");
-    target->type_name("X Y Z")->expected(3)->group(group);
+    target->type_name("X Y Z")->expected(3)->check(check_finite)->group(group);
     CLI::Option* const up = command.add_option("--up", options.up, "Away from the ground");
-    up->type_name("X Y Z")->expected(3)->group(group)->capture_default_str();
+    up->type_name("X Y Z")->expected(3)->check(check_finite)->group(group)->capture_default_str();
     command.add_option("--fov", options.fov_degrees, "Height of the view in degrees")
         ->check(CLI::Range(1.0, 170.0))
+        ->check(check_finite)
         ->group(group)
         ->capture_default_str();
     command.add_option("--size", options.size, "Picture in pixels")

@@ -1,9 +1,11 @@
 #include <tools/qzpoly/image.h>
 
+#include <tools/qzpoly/output_file.h>
+
 #include <png.h>
 
 #include <cmath>
-#include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -39,9 +41,12 @@ bool write_png(ToolImage const& image, std::string const& path, std::string& rea
     png.width = image.width;
     png.height = image.height;
     png.format = PNG_FORMAT_RGB;
-    if (png_image_write_to_file(&png, path.c_str(), 0, image.bytes.data(), 0, nullptr) != 0) {
-        return true;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
+    auto const bytes = std::make_unique_for_overwrite<unsigned char[]>(size);
+    if (png_image_write_to_memory(&png, bytes.get(), &size, 0, image.bytes.data(), 0, nullptr) ==
+        0) {
+        reason = png.message;
+        return false;
     }
-    reason = png.message;
-    return false;
+    return write_file(path, bytes.get(), size, reason);
 }

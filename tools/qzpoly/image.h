@@ -28,5 +28,5 @@ struct ToolImage {
 };
 
 // Writes a PNG file: the same bytes for the same picture. False, with the reason, when that fails;
-// what was written of it is then removed.
+// a file of that name is then as it was.
 bool write_png(ToolImage const& image, std::string const& path, std::string& reason);

@@ -20,7 +20,7 @@ struct InfoOptions {
 
 template <typename... Parts>
 void print_line(Parts const&... parts) {
-    std::string const line = make_text(parts..., '\n');
+    std::string const line = make_printable(make_text(parts...)) + '\n';
     std::fwrite(line.data(), 1, line.size(), stdout);
 }
 

@@ -1,5 +1,6 @@
 #include <tools/qzpoly/mesh_source.h>
 
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/stopwatch.h>
 #include <tools/qzpoly/terminal.h>
 
@@ -7,6 +8,7 @@
 #include <platform/qz_sys.h>
 #include <poly/module/poly_helpers.h>
 
+#include <cmath>
 #include <filesystem>
 
 namespace {
@@ -34,7 +36,16 @@ std::string find_own_model() {
     return {};
 }
 
-bool make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
+bool is_sphere_count(double const& value) {
+    return value >= 0 && value <= largest_sphere_count && value == std::floor(value);
+}
+
+void make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
+    if (!is_sphere_count(values[0]) || !is_sphere_count(values[1]) ||
+        (values.size() != 2 && values.size() != 5)) {
+        refuse_option("--sphere", make_text("takes S and R, whole numbers from 0 to ",
+                                            largest_sphere_count, ", and three radii or none"));
+    }
     bool const has_radii = values.size() == 5;
     GMathVec3<double> const radii =
         has_radii ? GMathVec3<double>(values[2], values[3], values[4]) : GMathVec3<double>(1, 1, 1);
@@ -42,7 +53,6 @@ bool make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
                                                     static_cast<unsigned int>(values[1]), radii));
     mesh.name = "sphere";
     mesh.kind = "procedural sphere";
-    return mesh.mesh != nullptr;
 }
 
 // A byte block begins with its own size.
@@ -96,12 +106,6 @@ void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
     }
 }
 
-std::string check_sphere(std::string const& text) {
-    double value = 0;
-    bool const is_number = CLI::detail::lexical_cast(text, value);
-    return is_number && std::isfinite(value) ? std::string() : "not a finite number: " + text;
-}
-
 }  // namespace
 
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
@@ -121,7 +125,7 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
                     "A sphere of S segments and R rings in place of a file, with its radii")
         ->type_name("S R [RX RY RZ]")
         ->expected(2, 5)
-        ->check(check_sphere)
+        ->check(check_finite)
         ->excludes(file)
         ->excludes(command.get_option("--item"));
 }
@@ -130,14 +134,6 @@ bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh&
                int& status) {
     ToolStopwatch const watch;
     if (!options.sphere.empty()) {
-        double const largest = std::max(options.sphere[0], options.sphere[1]);
-        bool const is_complete = options.sphere.size() == 2 || options.sphere.size() == 5;
-        if (!is_complete || std::min(options.sphere[0], options.sphere[1]) < 0 ||
-            largest > largest_sphere_count) {
-            status = messages.fail(make_text("--sphere takes S and R, 0 to ", largest_sphere_count,
-                                             " each, and all three radii or none"));
-            return false;
-        }
         make_sphere(options.sphere, mesh);
         mesh.seconds = watch.get_seconds();
         return true;

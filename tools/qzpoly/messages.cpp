@@ -12,7 +12,28 @@ constexpr unsigned int warning_level = 4;
 
 void show(char const* kind, std::string_view const& text) {
     clear_progress_line();
-    std::fprintf(stderr, "%s: %.*s\n", kind, static_cast<int>(text.size()), text.data());
+    std::fprintf(stderr, "%s: %s\n", kind, make_printable(text).c_str());
+}
+
+// The bytes of the character that `text` begins with; 0 if it begins with none that can be shown.
+std::size_t get_printable_size(std::string_view const& text) {
+    auto const get_byte = [&](std::size_t const& i) { return static_cast<unsigned char>(text[i]); };
+    unsigned int const first = get_byte(0);
+    if (first < 0x80) {
+        return first >= 0x20 && first != 0x7F ? 1 : 0;
+    }
+    std::size_t const size = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (first >= 0xF5 || text.size() < size) {
+        return 0;
+    }
+    unsigned int code = first & (0x7Fu >> size);
+    for (std::size_t i = 1; i < size; ++i) {
+        if ((get_byte(i) & 0xC0u) != 0x80u) {
+            return 0;
+        }
+        code = code << 6 | (get_byte(i) & 0x3Fu);
+    }
+    return code >= 0xA0 ? size : 0;  // below are control characters
 }
 
 std::string_view without_line_end(std::string_view const& text) {
@@ -20,6 +41,21 @@ std::string_view without_line_end(std::string_view const& text) {
 }
 
 }  // namespace
+
+std::string make_printable(std::string_view const& text) {
+    std::string printable;
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t const size = get_printable_size(text.substr(at));
+        if (size == 0) {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(text[at]));
+            printable += escape;
+        }
+        printable += text.substr(at, size);
+        at += std::max<std::size_t>(size, 1);
+    }
+    return printable;
+}
 
 ToolMessages::ToolMessages() : m_former_level(CoreLogHandler::get_main().get_level()) {
     CoreLogHandler::get_main().set_level(warning_level);

@@ -21,6 +21,10 @@ std::string make_text(Parts const&... parts) {
     return std::string(text.get_view());
 }
 
+// Text as it may be shown on a terminal: all that is no character of UTF-8, and every control
+// character, as \xXX by byte.
+std::string make_printable(std::string_view const& text);
+
 // What the library says while this object lives, and what the program says on stderr. The library's
 // warnings are shown at once; the reasons of its refusals are kept until somebody reports a
 // failure.

@@ -1,6 +1,6 @@
 #include <tools/qzpoly/motion.h>
 
-#include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/numbers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -50,13 +50,13 @@ std::string tell_difference(PolyMesh const& a, PolyMesh const& b) {
     return is_equal(of_a, of_b) ? "" : "other polygons";
 }
 
-bool load_frames(ToolMotionOptions const& options, ToolMessages& messages, PolyMesh& mesh,
-                 Frames& frames, int& status) {
+bool load_frames(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
+                 ToolMessages& messages, PolyMesh const& mesh, Frames& frames, int& status) {
     for (std::string const& file : options.frames) {
-        ToolMeshOptions mesh_options;
-        mesh_options.file = file;
+        ToolMeshOptions frame_options = mesh_options;
+        frame_options.file = file;
         ToolMesh frame;
-        if (!load_mesh(mesh_options, messages, frame, status)) {
+        if (!load_mesh(frame_options, messages, frame, status)) {
             return false;
         }
         std::string const difference = tell_difference(mesh, *frame.mesh);
@@ -81,10 +81,11 @@ bool put_cloud(GeometryPointCloud const& cloud, ToolMessages& messages, PolyMesh
     return true;
 }
 
-bool set_frames(ToolMotionOptions const& options, std::vector<double> const& times,
-                ToolMessages& messages, PolyMesh& mesh, int& status) {
+bool set_frames(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
+                std::vector<double> const& times, ToolMessages& messages, PolyMesh& mesh,
+                int& status) {
     auto const frames = std::make_shared<Frames>();
-    if (!load_frames(options, messages, mesh, *frames, status)) {
+    if (!load_frames(mesh_options, options, messages, mesh, *frames, status)) {
         return false;
     }
     GeometryPointCloud cloud(*mesh.get_point_cloud(), true);
@@ -128,6 +129,34 @@ std::vector<double> make_shutter_times(double const& first, double const& last,
     return times;
 }
 
+// Of the frames; none without frames.
+std::vector<double> get_times(ToolMotionOptions const& options) {
+    std::size_t const frame_count = options.frames.size();
+    std::vector<double> const times =
+        options.times.empty()
+            ? make_shutter_times(0, static_cast<double>(frame_count) - 1, frame_count)
+            : options.times;
+    if (!is_ascending(times) || times.size() != frame_count) {
+        refuse_option("--times", "needs one time for each frame, each later than the last");
+    }
+    return times;
+}
+
+std::vector<double> get_shutter(ToolMotionOptions const& options,
+                                std::vector<double> const& times) {
+    if (options.shutter.empty()) {
+        return times.empty() ? std::vector<double>{-0.5, 0.5}
+                             : std::vector<double>{times.front(), times.back()};
+    }
+    if (options.shutter[0] > options.shutter[1]) {
+        refuse_option("--shutter", "closes before it opens");
+    }
+    if (!std::isfinite(options.shutter[1] - options.shutter[0])) {
+        refuse_option("--shutter", "is open too long");
+    }
+    return options.shutter;
+}
+
 }  // namespace
 
 void add_motion_options(CLI::App& command, ToolMotionOptions& options) {
@@ -135,8 +164,10 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options) {
     CLI::Option* const frames = command.add_option(
         "--frames", options.frames, "Files of one mesh at several times, in place of FILE");
     frames->type_name("A B...")->expected(2, 128)->group(group);
+    frames->excludes(command.get_option("FILE"))->excludes(command.get_option("--sphere"));
     command.add_option("--times", options.times, "Their times [0 1 2 ...]")
         ->expected(2, 128)
+        ->check(check_finite)
         ->type_name("T T...")
         ->needs(frames)
         ->group(group);
@@ -145,12 +176,14 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options) {
     spin_usually->excludes(frames)->group(group);
     command.add_option("--spin", options.spin_degrees, "Spin about the vertical by unit of time")
         ->type_name("DEGREES")
+        ->check(check_finite)
         ->excludes(frames)
         ->excludes(spin_usually)
         ->group(group);
     command.add_option("--velocity", options.velocity, "Move all vertices")
         ->type_name("X Y Z")
         ->expected(3)
+        ->check(check_finite)
         ->excludes(frames)
         ->group(group);
     command
@@ -158,28 +191,20 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options) {
                     "Opens and closes [at the first and last frame, or -0.5 0.5]")
         ->type_name("T0 T1")
         ->expected(2)
+        ->check(check_finite)
         ->group(group);
 }
 
-bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
-                ToolMessages& messages, PolyMesh& mesh, std::vector<double>& shutter_times,
-                int& status) {
-    std::vector<double> times = options.times;
-    if (times.empty()) {
-        times = make_shutter_times(0, static_cast<double>(options.frames.size()) - 1,
-                                   options.frames.size());
+bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
+                      GMathVec3<double> const& vertical, ToolMessages& messages, ToolMesh& mesh,
+                      std::vector<double>& shutter_times, int& status) {
+    std::vector<double> const times = get_times(options);
+    std::vector<double> const shutter = get_shutter(options, times);
+    ToolMeshOptions first_options = mesh_options;
+    if (!options.frames.empty()) {
+        first_options.file = options.frames[0];
     }
-    if (!is_ascending(times) || times.size() != options.frames.size()) {
-        status = messages.fail("--times needs one time for each frame, each later than the last");
-        return false;
-    }
-    std::vector<double> shutter = options.shutter;
-    if (shutter.empty()) {
-        shutter = times.empty() ? std::vector<double>{-0.5, 0.5}
-                                : std::vector<double>{times.front(), times.back()};
-    }
-    if (!(shutter[0] <= shutter[1]) || !std::isfinite(shutter[1] - shutter[0])) {
-        status = messages.fail("--shutter closes before it opens");
+    if (!load_mesh(first_options, messages, mesh, status)) {
         return false;
     }
     if (options.frames.empty() && !options.has_velocities()) {
@@ -187,8 +212,9 @@ bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& verti
     }
     shutter_times =
         make_shutter_times(shutter[0], shutter[1], std::max<std::size_t>(options.frames.size(), 2));
-    return options.frames.empty() ? set_velocities(options, vertical, messages, mesh, status)
-                                  : set_frames(options, times, messages, mesh, status);
+    return options.frames.empty()
+               ? set_velocities(options, vertical, messages, *mesh.mesh, status)
+               : set_frames(mesh_options, options, times, messages, *mesh.mesh, status);
 }
 
 CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tools/qzpoly/extent.h>
+#include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/messages.h>
 
 #include <poly/mesh/poly_mesh.h>
@@ -22,14 +23,15 @@ struct ToolMotionOptions {
     bool has_velocities() const { return is_spinning || spin_degrees != 0 || !velocity.empty(); }
 };
 
+// To be added behind the options of a mesh that is optional.
 void add_motion_options(CLI::App& command, ToolMotionOptions& options);
 
-// Lets the mesh move. `shutter_times` are the evenly spaced times at which it is to be bounded,
-// none when it stands still. False after the reason has been shown and `status` set; the mesh is
-// then of no use. `vertical` is the unit axis of spinning.
-bool set_motion(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
-                ToolMessages& messages, PolyMesh& mesh, std::vector<double>& shutter_times,
-                int& status);
+// Loads the mesh, the first frame if there are frames, and lets it move. `shutter_times` are the
+// evenly spaced times at which it is to be bounded, none when it stands still. False after the
+// reason has been shown and `status` set. `vertical` is the unit axis of spinning.
+bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
+                      GMathVec3<double> const& vertical, ToolMessages& messages, ToolMesh& mesh,
+                      std::vector<double>& shutter_times, int& status);
 
 // The shutter of a picture that is bounded at these times.
 CtxShader make_shader_ctx(std::vector<double> const& shutter_times);

@@ -1,8 +1,7 @@
 #include <tools/qzpoly/commands.h>
 
 #include <tools/qzpoly/mesh_source.h>
-
-#include <platform/qz_sys.h>
+#include <tools/qzpoly/output_file.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,13 +23,12 @@ int run_pack(PackOptions const& options, ToolMessages& messages) {
     std::unique_ptr<unsigned char, decltype(&std::free)> const block(mesh.mesh->serialize(size),
                                                                      &std::free);
     std::string const name = options.block_file.empty() ? mesh.name + ".block" : options.block_file;
-    SysFile file;
-    if (!block || !file.open(CoreString(std::string_view(name)), SysFile::MODE_WRITE) ||
-        !file.write(block.get(), size) || !file.close()) {
-        return messages.fail(make_text("cannot write ", std::string_view(name), ": ",
-                                       block ? file.get_error().get_data() : "out of memory"));
+    std::string reason = "out of memory";
+    if (!block || !write_file(name, block.get(), size, reason)) {
+        return messages.fail(
+            make_text("cannot write ", std::string_view(name), ": ", std::string_view(reason)));
     }
-    std::printf("%s: %llu bytes\n", name.c_str(), size);
+    std::printf("%s: %llu bytes\n", make_printable(name).c_str(), size);
     return tool_success;
 }
 

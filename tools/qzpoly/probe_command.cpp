@@ -3,6 +3,7 @@
 #include <tools/qzpoly/json_out.h>
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/motion.h>
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/surface_options.h>
 #include <tools/qzpoly/terminal.h>
 
@@ -32,16 +33,22 @@ struct ProbeOptions {
     bool is_batch = false;
 };
 
-void add_probe_options(CLI::App& command, Probe& probe) {
+std::vector<CLI::Option*> add_probe_options(CLI::App& command, Probe& probe) {
     CLI::Option* const primitive =
         command.add_option("--primitive", probe.primitive, "Probe the surface on this primitive");
-    command.add_option("--st", probe.st, "Where on it [0 0]")->expected(2)->type_name("S T");
-    command.add_option("--ray", probe.ray, "Probe by a ray: its origin and direction")
-        ->expected(6)
-        ->type_name("OX OY OZ DX DY DZ")
-        ->excludes(primitive);
-    command.add_flag("--exact", probe.is_exact, "Test the ray without a tolerance at edges");
-    command.add_option("--time", probe.time, "When [0]");
+    return {
+        primitive,
+        command.add_option("--st", probe.st, "Where on it [0 0]")
+            ->expected(2)
+            ->check(check_finite)
+            ->type_name("S T"),
+        command.add_option("--ray", probe.ray, "Probe by a ray: its origin and direction")
+            ->expected(6)
+            ->check(check_finite)
+            ->type_name("OX OY OZ DX DY DZ")
+            ->excludes(primitive),
+        command.add_flag("--exact", probe.is_exact, "Test the ray without a tolerance at edges"),
+        command.add_option("--time", probe.time, "When [0]")->check(check_finite)};
 }
 
 template <typename T>
@@ -145,24 +152,25 @@ ToolJson probe_ray(GeometryObject const& geometry, CtxEval const& ctx, Probe con
     return {{"ray", probe.ray}, {"time", probe.time}, {"exact", probe.is_exact}, {"hits", hits}};
 }
 
-// False after the reason has been shown.
-bool answer(GeometryObject const& geometry, CtxEval const& ctx, Probe const& probe,
-            ToolMessages& messages, ToolJson& json) {
-    if (probe.ray.empty() && probe.primitive >= geometry.get_primitive_count()) {
-        messages.fail(make_text("primitive ", probe.primitive, ": the mesh has ",
-                                geometry.get_primitive_count()));
-        return false;
+ToolJson answer(GeometryObject const& geometry, CtxEval const& ctx, Probe const& probe) {
+    if (!probe.ray.empty()) {
+        return probe_ray(geometry, ctx, probe);
     }
-    json = probe.ray.empty() ? probe_place(geometry, ctx, probe) : probe_ray(geometry, ctx, probe);
-    return true;
+    if (probe.primitive >= geometry.get_primitive_count()) {
+        refuse_option("--primitive", make_text("there is no ", probe.primitive, ": the mesh has ",
+                                               geometry.get_primitive_count()));
+    }
+    return probe_place(geometry, ctx, probe);
 }
 
-// One probe a line of standard input, in the words of the command line.
+// One probe a line of standard input, in the words of the command line. False after the reason has
+// been shown.
 bool answer_batch(GeometryObject const& geometry, CtxEval const& ctx, ToolMessages& messages,
                   ToolJson& answers) {
     answers = ToolJson::array();
     std::string line;
-    for (unsigned long long number = 1; std::getline(std::cin, line); ++number) {
+    for (unsigned long long number = 1; !is_interrupted() && std::getline(std::cin, line);
+         ++number) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) {
             continue;
         }
@@ -171,16 +179,12 @@ bool answer_batch(GeometryObject const& geometry, CtxEval const& ctx, ToolMessag
         parser.set_help_flag();
         add_probe_options(parser, probe);
         try {
-            parser.parse(line);
+            parse_arguments(parser, CLI::detail::split_up(line));
+            answers.push_back(answer(geometry, ctx, probe));
         } catch (CLI::ParseError const& fault) {
             messages.fail(make_text("standard input, line ", number, ": ", fault.what()));
             return false;
         }
-        ToolJson json;
-        if (!answer(geometry, ctx, probe, messages, json)) {
-            return false;
-        }
-        answers.push_back(std::move(json));
     }
     return true;
 }
@@ -196,7 +200,8 @@ void print_text(ToolJson const& json, std::string const& indent) {
             }
             continue;
         }
-        std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+        std::string text =
+            value.is_string() ? make_printable(value.get_ref<std::string const&>()) : value.dump();
         if (value.is_array()) {
             text = text.substr(1, text.size() - 2);
             std::replace(text.begin(), text.end(), ',', ' ');
@@ -205,17 +210,13 @@ void print_text(ToolJson const& json, std::string const& indent) {
     }
 }
 
-int run_probe(ProbeOptions& options, ToolMessages& messages) {
+int run_probe(ProbeOptions const& options, ToolMessages& messages) {
     int status = tool_failure;
     ToolMesh mesh;
     ToolSurface surface;
     Vec shutter_times;
-    if (!options.motion.frames.empty()) {
-        options.mesh.file = options.motion.frames[0];
-    }
-    if (!load_mesh(options.mesh, messages, mesh, status) ||
-        !set_motion(options.motion, GMathVec3<double>(0, 1, 0), messages, *mesh.mesh, shutter_times,
-                    status)) {
+    if (!load_moving_mesh(options.mesh, options.motion, GMathVec3<double>(0, 1, 0), messages, mesh,
+                          shutter_times, status)) {
         return status;
     }
     if (!make_surface(options.surface, *mesh.mesh, messages, surface)) {
@@ -224,14 +225,13 @@ int run_probe(ProbeOptions& options, ToolMessages& messages) {
     CtxShader const shader_ctx = make_shader_ctx(shutter_times);
     CtxEval const ctx(&shader_ctx);
     ToolJson json;
-    bool const is_answered = options.is_batch
-                                 ? answer_batch(*surface.geometry, ctx, messages, json)
-                                 : answer(*surface.geometry, ctx, options.probe, messages, json);
+    if (!options.is_batch) {
+        json = answer(*surface.geometry, ctx, options.probe);
+    } else if (!answer_batch(*surface.geometry, ctx, messages, json)) {
+        return tool_failure;
+    }
     if (is_interrupted()) {
         return messages.fail("stopped");
-    }
-    if (!is_answered) {
-        return tool_failure;
     }
     if (options.is_json || options.is_batch) {
         print_json(json);
@@ -248,13 +248,16 @@ void add_probe_command(CLI::App& app, ToolSession& session) {
     CLI::App* const command =
         app.add_subcommand("probe", "Tell all about one place of a surface, or what a ray meets");
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
-    add_probe_options(*command, options->probe);
+    std::vector<CLI::Option*> const alone = add_probe_options(*command, options->probe);
     add_surface_options(*command, options->surface);
     add_motion_options(*command, options->motion);
-    command->get_option("--frames")->excludes(command->get_option("FILE"));
     command->add_flag("--json", options->is_json, "As JSON");
-    command->add_flag("--batch", options->is_batch,
-                      "Read probes from standard input, one a line, and answer with a JSON array");
+    CLI::Option* const batch = command->add_flag(
+        "--batch", options->is_batch,
+        "Read probes from standard input, one a line, and answer with a JSON array");
+    for (CLI::Option* const option : alone) {
+        batch->excludes(option);
+    }
     command->callback(
         [options, &session] { session.status = run_probe(*options, session.messages); });
 }

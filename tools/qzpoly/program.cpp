@@ -1,6 +1,7 @@
 #include <tools/qzpoly/program.h>
 
 #include <tools/qzpoly/commands.h>
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/terminal.h>
 
 #include <cstdio>
@@ -11,6 +12,16 @@ constexpr void (*s_commands[])(CLI::App& app, ToolSession& session) = {
     &add_render_command, &add_visible_command, &add_info_command, &add_probe_command,
     &add_stats_command,  &add_dump_command,    &add_pack_command,
 };
+
+// What is wrong with the command line, and where to look.
+std::string tell_fault(CLI::App const& app, CLI::ParseError const& fault) {
+    std::vector<std::string> const unknown = app.remaining();
+    std::string const reason =
+        unknown.empty() ? fault.what() : "there is no subcommand " + unknown[0];
+    bool const has_subcommand = unknown.empty() && !app.get_subcommands().empty();
+    return reason + "; see qzpoly " +
+           (has_subcommand ? app.get_subcommands()[0]->get_name() + " --help" : "--help");
+}
 
 }  // namespace
 
@@ -23,9 +34,12 @@ int run_program(int const& argument_count, char const* const* arguments) {
         add_command(app, session);
     }
     try {
-        app.parse(argument_count, arguments);
+        parse_arguments(app, {arguments + 1, arguments + argument_count});
+    } catch (CLI::Success const& help) {
+        app.exit(help);
     } catch (CLI::ParseError const& fault) {
-        return app.exit(fault) == 0 ? tool_success : tool_wrong_usage;
+        session.messages.fail(tell_fault(app, fault));
+        return tool_wrong_usage;
     } catch (std::exception const& fault) {
         return session.messages.fail(fault.what());
     }

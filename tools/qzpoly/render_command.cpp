@@ -4,6 +4,7 @@
 #include <tools/qzpoly/hit_search.h>
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/motion.h>
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/renderer.h>
 #include <tools/qzpoly/stopwatch.h>
 #include <tools/qzpoly/surface_options.h>
@@ -59,7 +60,7 @@ void add_picture_options(CLI::App& command, RenderOptions& options) {
 }
 
 // Says so if something was asked for that the mesh does not have.
-bool check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages& messages) {
+void check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages& messages) {
     struct Row {
         char const* option;
         unsigned int map;
@@ -69,8 +70,8 @@ bool check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages
          {Row{"--uv-map", options.settings.uv_map, mesh.get_uv_map_count()},
           Row{"--color-map", options.settings.color_map, mesh.get_color_map_count()}}) {
         if (row.map != 0 && row.map >= row.count) {
-            messages.fail(make_text(row.option, " ", row.map, ": the mesh has ", row.count));
-            return false;
+            refuse_option(row.option,
+                          make_text("there is no ", row.map, ": the mesh has ", row.count));
         }
     }
     if (options.shade_mode == "uv" && mesh.get_uv_map_count() == 0) {
@@ -79,7 +80,6 @@ bool check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages
     if (options.shade_mode == "color" && mesh.get_color_map_count() == 0) {
         messages.warn("the mesh has no color map");
     }
-    return true;
 }
 
 GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
@@ -170,23 +170,19 @@ bool draw(RenderOptions const& options, PolyMesh const& mesh, GeometryObject con
     return true;
 }
 
-int run_render(RenderOptions& options, ToolMessages& messages) {
+int run_render(RenderOptions const& options, ToolMessages& messages) {
     ToolStopwatch const watch;
     int status = tool_failure;
     ToolMesh mesh;
-    if (!options.motion.frames.empty()) {
-        options.mesh.file = options.motion.frames[0];
-    }
     std::vector<double> shutter_times;
     ToolImage image;
     ToolSurface surface;
-    if (!load_mesh(options.mesh, messages, mesh, status) ||
-        !set_motion(options.motion, get_vertical(options.camera), messages, *mesh.mesh,
-                    shutter_times, status)) {
+    if (!load_moving_mesh(options.mesh, options.motion, get_vertical(options.camera), messages,
+                          mesh, shutter_times, status)) {
         return status;
     }
-    if (!check_maps(options, *mesh.mesh, messages) ||
-        !make_surface(options.surface, *mesh.mesh, messages, surface) ||
+    check_maps(options, *mesh.mesh, messages);
+    if (!make_surface(options.surface, *mesh.mesh, messages, surface) ||
         !draw(options, *mesh.mesh, *surface.geometry, shutter_times, messages, image)) {
         return is_interrupted() ? tool_interrupted : tool_failure;
     }
@@ -196,8 +192,8 @@ int run_render(RenderOptions& options, ToolMessages& messages) {
         return messages.fail(
             make_text("cannot write ", std::string_view(path), ": ", std::string_view(reason)));
     }
-    std::printf("%s: %u x %u, %u primitives, %.2f s\n", path.c_str(), image.width, image.height,
-                mesh.mesh->get_primitive_count(), watch.get_seconds());
+    std::printf("%s: %u x %u, %u primitives, %.2f s\n", make_printable(path).c_str(), image.width,
+                image.height, mesh.mesh->get_primitive_count(), watch.get_seconds());
     return tool_success;
 }
 
@@ -213,7 +209,6 @@ void add_render_command(CLI::App& app, ToolSession& session) {
     command->get_option("--hard-edges")->needs(command->get_option("--smooth"));
     add_camera_options(*command, options->camera);
     add_motion_options(*command, options->motion);
-    command->get_option("--frames")->excludes(command->get_option("FILE"));
     command->callback(
         [options, &session] { session.status = run_render(*options, session.messages); });
 }

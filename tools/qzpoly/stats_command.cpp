@@ -1,6 +1,7 @@
 #include <tools/qzpoly/commands.h>
 
 #include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/numbers.h>
 
 #include <poly/smoothed/poly_mesh_smoothed.h>
 
@@ -43,11 +44,8 @@ void add_stats_command(CLI::App& app, ToolSession& session) {
     CLI::App* const command =
         app.add_subcommand("stats", "Tell how many bytes each part of a mesh takes");
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
-    CLI::Option const* const smooth =
-        command
-            ->add_option("--smooth", options->smoothing_angle,
-                         "Also of the normals smoothed up to this angle")
-            ->type_name("DEGREES");
+    CLI::Option const* const smooth = add_smooth_option(
+        *command, options->smoothing_angle, "Also of the normals smoothed up to this angle");
     command->callback([options, smooth, &session] {
         options->is_smooth = smooth->count() != 0;
         session.status = run_stats(*options, session.messages);

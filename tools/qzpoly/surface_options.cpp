@@ -1,13 +1,11 @@
 #include <tools/qzpoly/surface_options.h>
 
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/property_file.h>
 
 void add_surface_options(CLI::App& command, ToolSurfaceOptions& options) {
-    options.smooth = command
-                         .add_option("--smooth", options.smoothing_angle,
-                                     "Smooth the normals across edges below this angle")
-                         ->type_name("DEGREES")
-                         ->check(CLI::Range(0.0, 180.0));
+    options.smooth = add_smooth_option(command, options.smoothing_angle,
+                                       "Smooth the normals across edges below this angle");
     command.add_option("--normal-map", options.normal_map,
                        "Shade with this normal map of the file, from 0");
     add_property_option(command, options);
@@ -25,9 +23,8 @@ bool make_surface(ToolSurfaceOptions const& options, PolyMesh& mesh, ToolMessage
                   ToolSurface& surface) {
     bool const has_normal_map = options.normal_map != 0xFFFFFFFFu;
     if (has_normal_map && options.normal_map >= mesh.get_normal_map_count()) {
-        messages.fail(make_text("--normal-map ", options.normal_map, ": the mesh has ",
-                                mesh.get_normal_map_count()));
-        return false;
+        refuse_option("--normal-map", make_text("there is no ", options.normal_map,
+                                                ": the mesh has ", mesh.get_normal_map_count()));
     }
     surface.geometry = &mesh;
     if (has_normal_map || (options.smooth != nullptr && options.smooth->count() != 0)) {

@@ -2,6 +2,7 @@
 
 #include <tools/qzpoly/camera.h>
 #include <tools/qzpoly/mesh_source.h>
+#include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/visibility.h>
 
 #include <cstdio>
@@ -13,14 +14,13 @@ struct VisibleOptions {
     ToolCameraOptions camera;
     double near = 0;
     double far = 0;  // 0: behind everything
-    bool is_checked = false;
 };
 
+// Counts once more in the plain way.
 bool check(ToolVisibility const& found, PolyMesh const& mesh, ToolFrustum const& frustum,
            ToolMessages& messages) {
     ToolVisibility const plain = count_visible_plainly(mesh, frustum);
     if (found == plain) {
-        std::printf("checked: the plain count is the same\n");
         return true;
     }
     messages.fail(make_text("the plain count differs: ", plain.overlapping_count, " overlapping, ",
@@ -46,8 +46,7 @@ int run_visible(VisibleOptions const& options, ToolMessages& messages) {
                 "%u vertices: %u belong to overlapping primitives\n",
                 mesh.mesh->get_primitive_count(), found.overlapping_count, found.contained_count,
                 mesh.mesh->get_vertex_count(), found.vertex_count);
-    return !options.is_checked || check(found, *mesh.mesh, frustum, messages) ? tool_success
-                                                                              : tool_failure;
+    return check(found, *mesh.mesh, frustum, messages) ? tool_success : tool_failure;
 }
 
 }  // namespace
@@ -59,12 +58,13 @@ void add_visible_command(CLI::App& app, ToolSession& session) {
     add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
     add_camera_options(*command, options->camera);
     command->add_option("--near", options->near, "Distance where the view begins")
+        ->check(check_finite)
         ->check(CLI::NonNegativeNumber)
         ->group("Camera");
     command->add_option("--far", options->far, "Distance where it ends [behind everything]")
+        ->check(check_finite)
         ->check(CLI::PositiveNumber)
         ->group("Camera");
-    command->add_flag("--check", options->is_checked, "Count once more in the plain way");
     command->callback(
         [options, &session] { session.status = run_visible(*options, session.messages); });
 }

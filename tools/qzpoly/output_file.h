@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+// Writes a file: all of it, or none. It is written beside its place and then put there, so that a
+// file of that name stays as it was when something fails, with the reason. What is no regular file,
+// as a pipe or a device, is written to where it is.
+bool write_file(std::string const& path, void const* bytes, std::size_t const& size,
+                std::string& reason);
