@@ -86,19 +86,20 @@ ToolJson list_colors(GeometryObject const& geometry, CtxEval const& ctx,
 
 ToolJson list_properties(GeometryObject const& geometry, CtxEval const& ctx,
                          GeometryFragment const& fragment) {
-    constexpr unsigned int capacity = GeometryProperty::largest_blend_count;
     ToolJson properties = ToolJson::array();
     for (unsigned int i = 0; i < geometry.get_property_count(); ++i) {
         GeometryProperty const& property = geometry.get_property(i);
-        double values[capacity];
-        double ds[capacity];
-        double dt[capacity];
+        Vec values(property.get_value_extent());
+        Vec ds(values.size());
+        Vec dt(values.size());
         unsigned int const count =
-            property.evaluate(ctx, fragment, values, ds, dt, nullptr, capacity);
-        properties.push_back({{"name", property.get_name().get_data()},
-                              {"values", Vec(values, values + count)},
-                              {"ds", Vec(ds, ds + count)},
-                              {"dt", Vec(dt, dt + count)}});
+            property.evaluate(ctx, fragment, values.data(), ds.data(), dt.data(), nullptr,
+                              property.get_value_extent());
+        for (Vec* const list : {&values, &ds, &dt}) {
+            list->resize(count);
+        }
+        properties.push_back(
+            {{"name", property.get_name().get_data()}, {"values", values}, {"ds", ds}, {"dt", dt}});
     }
     return properties;
 }

@@ -115,11 +115,6 @@ PropertyText read_text(ToolJson const& json) {
         static_cast<ResourceProperty::Type>(find_name(json, "value_type", value_type_names));
     if (json.contains("extent")) {
         text.extent = get_unsigned(json["extent"], "extent");
-        if (text.extent > GeometryProperty::largest_component_count) {
-            refuse(make_text("\"extent\" is ", text.extent, ", and at most ",
-                             GeometryProperty::largest_component_count,
-                             " numbers an item are shown"));
-        }
     }
     if (json.contains("indices")) {
         for (ToolJson const& index : json["indices"]) {
@@ -127,6 +122,10 @@ PropertyText read_text(ToolJson const& json) {
         }
     }
     read_times(json, text);
+    if (text.times.size() > 1 && text.extent > GeometryProperty::largest_blend_count) {
+        refuse(make_text("\"extent\" is ", text.extent, ", and at most ",
+                         GeometryProperty::largest_blend_count, " of several times are blended"));
+    }
     read_values(json, text);
     return text;
 }

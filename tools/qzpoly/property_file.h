@@ -12,7 +12,8 @@
 // - kind: "vertex", "polygon" or "constant";
 // - value_type: "int8", "uint8", "int16", "uint16", "int32", "uint32", "int64", "uint64", "half",
 //   "float", "double", "bool" or "choice";
-// - extent: numbers an item, 1 when left out, at most GeometryProperty::largest_component_count;
+// - extent: numbers an item, 1 when left out, with several times at most
+//   GeometryProperty::largest_blend_count;
 // - values: the numbers of all items, one after another; with several times, one such list a time;
 // - indices: optional, of a vertex property: the item of every polygon corner;
 // - times: optional, ascending: when each list of values holds.
