@@ -1,5 +1,5 @@
 # Checks that no include points up: each folder includes itself and what its row lists, and the
-# inside of a platform library is known to that library and its tests alone.
+# inside of a platform library is known to that library, its tests and fuzzers alone.
 # cmake -D root=<project> -P include_layers.cmake
 
 # folder: the folders whose headers it may include
@@ -68,7 +68,7 @@ foreach(code_folder IN LISTS code_folders)
             if(NOT allowed)
                 list(APPEND faults "${file}: ${line}: points up")
             elseif(header MATCHES "^platform/[a-z_]+/" AND NOT from STREQUAL to
-                AND NOT from STREQUAL "tests/platform")
+                AND NOT from MATCHES "^(tests/platform|fuzz)$")
                 list(APPEND faults "${file}: ${line}: is the inside of another library")
             elseif(header MATCHES "^platform/[a-z_]+\\.h" AND from STREQUAL to)
                 list(APPEND faults "${file}: ${line}: is the umbrella over this file")

@@ -1,0 +1,62 @@
+#include <fuzz/kept_mesh.h>
+#include <fuzz/memory_file.h>
+#include <fuzz/target.h>
+
+#include <platform/qz_obj/obj_file.h>
+
+#include <cstring>
+
+namespace {
+
+// Bit for bit, NaN included.
+template <typename T>
+bool is_same(CoreBasicArray<T> const& a, CoreBasicArray<T> const& b) {
+    return a.get_count() == b.get_count() &&
+           (a.is_empty() ||
+            std::memcmp(a.get_data(), b.get_data(), sizeof(T) * a.get_count()) == 0);
+}
+
+template <typename Map>
+bool is_same_map(CoreArray<Map> const& a, CoreArray<Map> const& b) {
+    return a.get_count() == b.get_count() &&
+           (a.is_empty() || (is_same<>(a[0].values, b[0].values) &&
+                             is_same<unsigned int>(a[0].indices, b[0].indices)));
+}
+
+bool is_same(ObjMesh const& a, ObjMesh const& b) {
+    return is_same<GMathVec3<float>>(a.positions, b.positions) &&
+           is_same<unsigned int>(a.polygon_vertex_indices, b.polygon_vertex_indices) &&
+           is_same<unsigned int>(a.polygon_vertex_count, b.polygon_vertex_count) &&
+           is_same<unsigned int>(a.polygon_shading_groups, b.polygon_shading_groups) &&
+           a.shading_group_names.get_count() == b.shading_group_names.get_count() &&
+           is_same_map(a.uv_maps, b.uv_maps) && is_same_map(a.normal_maps, b.normal_maps) &&
+           is_same_map(a.color_maps, b.color_maps) &&
+           is_same<int>(a.import_data.crease_indices, b.import_data.crease_indices) &&
+           a.import_data.warnings.get_count() == b.import_data.warnings.get_count();
+}
+
+// What is read must not hang on where the blocks of a file end.
+void compare_block_sizes(CoreString const& path, unsigned int const& block_size) {
+    ObjMesh whole;
+    ObjMesh pieces;
+    bool const is_loaded = obj_read_file(path, {}, nullptr, whole);
+    bool const is_loaded_again = obj_read_file(path, {.block_size = block_size}, nullptr, pieces);
+    require(is_loaded == is_loaded_again && (!is_loaded || is_same(whole, pieces)),
+            "a file reads the same in blocks of any size");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
+    static KeptMesh kept_mesh;
+    static MemoryFile file;
+    static CoreString const path(file.get_path().c_str());
+    CoreLogHandler::get_main().set_level(0);
+    file.write(bytes, size);
+    compare_block_sizes(path, static_cast<unsigned int>(1 + size % 61));
+    AppProgressBar progress("build");  // with it, 4-gons are checked
+    kept_mesh.run([&](PolyMesh& mesh) {
+        return mesh.import_from_file(path, "", 0.0, nullptr, size % 2 == 0 ? &progress : nullptr);
+    });
+    return 0;
+}

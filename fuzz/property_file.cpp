@@ -1,0 +1,41 @@
+#include <fuzz/memory_file.h>
+#include <fuzz/query_property.h>
+#include <fuzz/target.h>
+#include <tests/shapes.h>
+#include <tools/qzpoly/property_file.h>
+
+#include <cstdio>
+
+namespace {
+
+// Small ones, so that small files fit them; the last moves.
+struct Meshes {
+    Meshes() {
+        make_triangle().set(meshes[0]);
+        make_row().set(meshes[1]);
+        Shape square = make_square();
+        square.velocities = square.positions;
+        square.set(meshes[2]);
+    }
+    PolyMesh meshes[3];
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
+    static Meshes const all;
+    static MemoryFile file;
+    file.write(bytes, size);
+    // Messages are made but not wanted; faults go to the descriptor itself.
+    static bool const is_silent = (stderr = std::fopen("/dev/null", "w")) != nullptr;
+    require(is_silent, "messages can be thrown away");
+    ToolMessages messages;
+    for (PolyMesh const& mesh : all.meshes) {
+        std::unique_ptr<PolyMeshProperty> const property =
+            load_property(file.get_path(), mesh, messages);
+        if (property) {
+            query_property(mesh, *property);
+        }
+    }
+    return 0;
+}
