@@ -62,6 +62,8 @@ int main(int argc, char** argv) {
     BenchInputs inputs(options.input_folder, options.is_short);
     Bench bench;
     add_obj_rows(bench, inputs);
+    add_normal_rows(bench, inputs);
+    add_neighbour_rows(bench, inputs);
     set_up_turns();
     std::vector<BenchRecord> records;
     if (!options.is_list) {

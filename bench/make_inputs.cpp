@@ -231,7 +231,7 @@ BenchMesh make_terrain(unsigned int const& size) {
     for (unsigned int y = 0; y <= size; ++y) {
         for (unsigned int x = 0; x <= size; ++x) {
             mesh.positions.emplace_back(static_cast<float>(x) + noise(0.2f),
-                                        static_cast<float>(y) + noise(0.2f), noise(0.3f));
+                                        static_cast<float>(y) + noise(0.2f), noise(0.2f));
         }
     }
     for (unsigned int y = 0; y < size; ++y) {
@@ -304,16 +304,18 @@ BenchMesh make_polygons(unsigned int const& width, unsigned int const& height) {
     return mesh;
 }
 
-std::vector<unsigned int> make_fans(BenchMesh const& mesh) {
-    std::vector<unsigned int> triangles;
+BenchMesh make_fans(BenchMesh const& mesh) {
+    BenchMesh fans;
+    fans.positions = mesh.positions;
     unsigned int const* corners = mesh.corners.data();
     for (unsigned int const& count : mesh.counts) {
         for (unsigned int k = 2; k < count; ++k) {
-            triangles.insert(triangles.end(), {corners[0], corners[k - 1], corners[k]});
+            fans.corners.insert(fans.corners.end(), {corners[0], corners[k - 1], corners[k]});
+            fans.counts.push_back(3);
         }
         corners += count;
     }
-    return triangles;
+    return fans;
 }
 
 BenchInputs::BenchInputs(std::string const& folder, bool const& is_short)
@@ -328,14 +330,17 @@ BenchInputs::BenchInputs(std::string const& folder, bool const& is_short)
 }
 
 bool BenchInputs::has(std::string const& name) const {
-    return std::find(m_names.begin(), m_names.end(), name) != m_names.end();
+    std::string const whole = name.substr(0, name.find("-triangles"));
+    return std::find(m_names.begin(), m_names.end(), whole) != m_names.end();
 }
 
 BenchMesh const& BenchInputs::get_mesh(std::string const& name) {
     auto const [entry, is_new] = m_meshes.try_emplace(name);
     if (is_new) {
         unsigned int const size = m_is_short ? 300 : 1000;
-        entry->second = name == "sphere"     ? make_sphere(size, size)
+        std::size_t const suffix = name.find("-triangles");
+        entry->second = suffix != name.npos  ? make_fans(get_mesh(name.substr(0, suffix)))
+                        : name == "sphere"   ? make_sphere(size, size)
                         : name == "terrain"  ? make_terrain(size)
                         : name == "polygons" ? make_polygons(size / 2, size * 2 / 5)
                                              : read_model(get_model(name));

@@ -28,11 +28,12 @@ BenchMesh make_sphere(unsigned int const& segments, unsigned int const& rings);
 BenchMesh make_terrain(unsigned int const& size);
 // width x height polygons of 5 to 12 corners over a plane, which share their edges.
 BenchMesh make_polygons(unsigned int const& width, unsigned int const& height);
-// Every polygon as a fan of triangles.
-std::vector<unsigned int> make_fans(BenchMesh const& mesh);
+// Positions, and every polygon as a fan of triangles.
+BenchMesh make_fans(BenchMesh const& mesh);
 
 // The inputs by name, made when they are first asked for: "sphere", "terrain" and "polygons", and
-// the models that are found: "bunny", "spot" and "rocker-arm". Every run makes the same.
+// the models that are found: "bunny", "spot" and "rocker-arm"; behind any name "-triangles", to
+// have polygons as fans. Every run makes the same.
 class BenchInputs {
   public:
     // Files are kept in `folder`; small ones where `is_short`. Models lie in $QZ_POLY_MODELS.

@@ -6,3 +6,5 @@
 // The rows, by subject. `inputs` must outlive the bench.
 
 void add_obj_rows(Bench& bench, BenchInputs& inputs);
+void add_normal_rows(Bench& bench, BenchInputs& inputs);
+void add_neighbour_rows(Bench& bench, BenchInputs& inputs);
