@@ -5,9 +5,11 @@
 
 #include <platform/qz_geometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <vector>
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 // What the command line says of the camera; empty vectors: choose by the geometry.
 struct ToolCameraOptions {

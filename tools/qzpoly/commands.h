@@ -2,7 +2,9 @@
 
 #include <tools/qzpoly/messages.h>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}  // namespace CLI
 
 // What a subcommand gets from the program and leaves to it.
 struct ToolSession {

@@ -4,6 +4,8 @@
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/numbers.h>
 
+#include <CLI/CLI.hpp>
+
 namespace {
 
 struct DumpOptions {

@@ -5,6 +5,8 @@
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/surface_options.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 
 namespace {

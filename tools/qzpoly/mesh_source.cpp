@@ -8,6 +8,8 @@
 #include <platform/qz_sys.h>
 #include <poly/module/poly_helpers.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cmath>
 #include <filesystem>
 

@@ -4,11 +4,13 @@
 
 #include <poly/mesh/poly_mesh.h>
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 // Which mesh a subcommand works on, as the command line tells it.
 struct ToolMeshOptions {

@@ -2,6 +2,8 @@
 
 #include <tools/qzpoly/numbers.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <memory>

@@ -6,10 +6,12 @@
 
 #include <poly/mesh/poly_mesh.h>
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 // How a mesh moves while the shutter is open, as the command line tells it.
 struct ToolMotionOptions {

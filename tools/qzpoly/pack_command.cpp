@@ -3,6 +3,8 @@
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/output_file.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <cstdlib>
 

@@ -7,6 +7,8 @@
 #include <tools/qzpoly/surface_options.h>
 #include <tools/qzpoly/terminal.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <iostream>

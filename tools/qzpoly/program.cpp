@@ -4,6 +4,8 @@
 #include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/terminal.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 
 namespace {

@@ -10,6 +10,8 @@
 #include <tools/qzpoly/surface_options.h>
 #include <tools/qzpoly/terminal.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 #include <thread>
 

@@ -5,6 +5,8 @@
 
 #include <poly/smoothed/poly_mesh_smoothed.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 
 namespace {

@@ -3,6 +3,8 @@
 #include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/property_file.h>
 
+#include <CLI/CLI.hpp>
+
 void add_surface_options(CLI::App& command, ToolSurfaceOptions& options) {
     options.smooth = add_smooth_option(command, options.smoothing_angle,
                                        "Smooth the normals across edges below this angle");

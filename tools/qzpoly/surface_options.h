@@ -5,11 +5,14 @@
 #include <poly/property/poly_mesh_property.h>
 #include <poly/smoothed/poly_mesh_smoothed.h>
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 // How the surface of a mesh is shaded and what is attached to it, as the command line tells it.
 struct ToolSurfaceOptions {

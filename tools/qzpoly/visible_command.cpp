@@ -5,6 +5,8 @@
 #include <tools/qzpoly/numbers.h>
 #include <tools/qzpoly/visibility.h>
 
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
 
 namespace {
