@@ -4,6 +4,9 @@
 
 namespace {
 
+// Made when the library is loaded: queries allocate nothing, the first ones included.
+CtxMotionBlur const no_blur;
+
 // Two neighbouring samples around a time, and the blend from the first to the second.
 struct SampleSpan {
     SampleSpan(GMathTimeSampling const& sampling, double const& time) {
@@ -51,7 +54,6 @@ void append_deformation(GeometryPointCloudData const& data, double const& time, 
 }  // namespace
 
 GMathTimeSampling const& get_shutter_sampling(CtxEval const& ctx) {
-    static CtxMotionBlur const no_blur;
     CtxShader const* const shader_ctx = ctx.get_shader_ctx();
     return (shader_ctx ? shader_ctx->get_motion_blur() : no_blur).get_time_sampling();
 }
