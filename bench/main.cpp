@@ -64,6 +64,7 @@ int main(int argc, char** argv) {
     add_obj_rows(bench, inputs);
     add_normal_rows(bench, inputs);
     add_neighbour_rows(bench, inputs);
+    add_triangulation_rows(bench);
     set_up_turns();
     std::vector<BenchRecord> records;
     if (!options.is_list) {

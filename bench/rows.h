@@ -8,3 +8,4 @@
 void add_obj_rows(Bench& bench, BenchInputs& inputs);
 void add_normal_rows(Bench& bench, BenchInputs& inputs);
 void add_neighbour_rows(Bench& bench, BenchInputs& inputs);
+void add_triangulation_rows(Bench& bench);

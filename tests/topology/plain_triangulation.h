@@ -24,7 +24,7 @@ inline Vec normalise(Vec const& a) {
     return length > 1e-8 ? a * (1.0 / length) : Vec(0.0, 0.0, 0.0);
 }
 
-inline Points project(std::vector<GMathVec3<float>> const& corners) {
+inline void project(std::vector<GMathVec3<float>> const& corners, Points& points) {
     GMathVec3<float> const p0 = corners[0];
     Vec sum(0.0, 0.0, 0.0);
     for (std::size_t k = 2; k < corners.size(); ++k) {
@@ -39,12 +39,11 @@ inline Points project(std::vector<GMathVec3<float>> const& corners) {
     Vec const t = normalise(cross(b, n));
     double const length = std::sqrt(dot(b, b));
     double const inverse = length > 1e-8 ? 1.0 / length : 0.0;
-    Points points;
+    points.clear();
     for (GMathVec3<float> const& corner : corners) {
         Vec const d = Vec(corner) - Vec(p0);
         points.emplace_back(static_cast<float>(dot(d, t)), static_cast<float>(dot(d, b) * inverse));
     }
-    return points;
 }
 
 inline bool is_inside(GMathVec2<float> const& p, GMathVec2<float> const& a,
@@ -69,20 +68,29 @@ inline bool is_ear(Points const& points, std::vector<unsigned int> const& remain
     return true;
 }
 
-// The corner numbers that triangulate_polygon writes.
-inline std::vector<unsigned int> triangulate(std::vector<GMathVec3<float>> const& positions,
-                                             std::vector<unsigned int> const& indices) {
+// What a call fills; kept from call to call, it is not allocated anew.
+struct Triangulation {
     std::vector<GMathVec3<float>> corners;
     std::vector<unsigned int> remaining;
+    Points points;
+    std::vector<unsigned int> out;  // the corner numbers that triangulate_polygon writes
+};
+
+inline void triangulate(std::vector<GMathVec3<float>> const& positions,
+                        std::vector<unsigned int> const& indices, Triangulation& result) {
+    auto& [corners, remaining, points, out] = result;
+    corners.clear();
+    remaining.clear();
+    out.clear();
     for (unsigned int const index : indices) {
         corners.push_back(positions[index]);
         remaining.push_back(static_cast<unsigned int>(remaining.size()));
     }
     if (remaining.size() < 4) {
-        return remaining.size() == 3 ? remaining : std::vector<unsigned int>();
+        out = remaining.size() == 3 ? remaining : out;
+        return;
     }
-    Points const points = project(corners);
-    std::vector<unsigned int> out;
+    project(corners, points);
     std::size_t m = remaining.size(), previous = 0, current = 1, next = 2, failures = 0;
     while (m > 2 && failures < m) {
         unsigned int const ear[3] = {remaining[previous], remaining[current], remaining[next]};
@@ -101,7 +109,13 @@ inline std::vector<unsigned int> triangulate(std::vector<GMathVec3<float>> const
             ++failures;
         }
     }
-    return out;
+}
+
+inline std::vector<unsigned int> triangulate(std::vector<GMathVec3<float>> const& positions,
+                                             std::vector<unsigned int> const& indices) {
+    Triangulation result;
+    triangulate(positions, indices, result);
+    return result.out;
 }
 
 }  // namespace plain
