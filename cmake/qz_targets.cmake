@@ -24,13 +24,19 @@ function(qz_set_target_rules target)
     endif()
 endfunction()
 
-# The rules above and those of a shared library: versioned, and complete in what it links.
+# The rules above and those of a library: versioned, and complete in what it links.
 function(qz_set_library_rules target)
     qz_set_target_rules(${target})
     set_target_properties(${target} PROPERTIES
         VERSION ${qz_poly_VERSION}
         SOVERSION ${qz_poly_VERSION_MAJOR}
+        INSTALL_RPATH $ORIGIN
     )
+    if(NOT BUILD_SHARED_LIBS)
+        # Its export macro is then empty.
+        string(TOUPPER ${target} macro)
+        target_compile_definitions(${target} PUBLIC ${macro}_STATIC_DEFINE)
+    endif()
     # The sanitizers of clang leave their symbols to the executable.
     if(NOT (QZ_POLY_SANITIZERS AND CMAKE_CXX_COMPILER_ID MATCHES Clang))
         target_link_options(${target} PRIVATE LINKER:--no-undefined)

@@ -23,19 +23,11 @@ std::filesystem::path get_program_folder() {
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
 
-// Where the project's own model lies: beside the sources, or where the program was installed.
+// The project's own model, which lies beside the program's folder wherever that is.
 std::string find_own_model() {
-    std::filesystem::path const places[] = {
-        std::filesystem::path(QZPOLY_SOURCE_ASSETS),
-        get_program_folder() / QZPOLY_INSTALLED_ASSETS,
-    };
-    for (std::filesystem::path const& place : places) {
-        std::error_code error;
-        if (std::filesystem::is_regular_file(place / own_model_name, error)) {
-            return (place / own_model_name).string();
-        }
-    }
-    return {};
+    std::filesystem::path const path = get_program_folder() / QZPOLY_OWN_MODELS / own_model_name;
+    std::error_code error;
+    return std::filesystem::is_regular_file(path, error) ? path.lexically_normal().string() : "";
 }
 
 bool is_sphere_count(double const& value) {

@@ -31,6 +31,7 @@ int run_program(int const& argument_count, char const* const* arguments) {
     ToolSession session;
     CLI::App app("Looks at polygon meshes: Wavefront OBJ files and LightWave objects", "qzpoly");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "qzpoly " QZPOLY_VERSION);
     app.footer("Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.");
     for (auto const add_command : s_commands) {
         add_command(app, session);
