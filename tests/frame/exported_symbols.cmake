@@ -1,52 +1,43 @@
-# Checks that the library exports its classes and functions and nothing else.
-# cmake -D nm=<nm> -D library=<libqz_poly.so> -P exported_symbols.cmake
+# Checks that the libraries export what the list says and nothing else, or renews the list.
+# cmake -D nm=<nm> -D libraries=<file>|... -D list=<file> [-D renew=ON] -P exported_symbols.cmake
 
-# What a program needs first of each exported class and function.
-set(needed
-    "typeinfo for PolyMeshBase"
-    "typeinfo for PolyMesh"
-    "typeinfo for PolyMeshSmoothed"
-    "typeinfo for PolyMeshProperty"
-    "PolyMeshBase::class_info\\(\\)"
-    "PolyMesh::class_info\\(\\)"
-    "PolyMeshSmoothed::class_info\\(\\)"
-    "PolyMeshProperty::class_info\\(\\)"
-    "PolyHelpers::create_poly_sphere\\(.*"
-    "triangulate_polygon\\(.*"
-    "reverse_poly_order\\(.*"
-    "compute_triangles_neighbourhood\\(.*"
-    "compute_quads_neighbourhood\\(.*"
-    "compute_polygons_neighbourhood\\(.*"
-)
-
-set(classes "(PolyMesh|PolyMeshBase|PolyMeshSmoothed|PolyMeshProperty|PolyHelpers)")
-set(allowed
-    "(triangulate_polygon|reverse_poly_order|compute_(triangles|quads|polygons)_neighbourhood)\\(.*"
-    "${classes}::.*"
-    "(vtable|typeinfo|typeinfo name) for ${classes}(::.*)?"
-    "(non-virtual|virtual|covariant return) thunk to ${classes}::.*"
-)
-
-execute_process(
-    COMMAND ${nm} --dynamic --defined-only --demangle --format=just-symbols ${library}
-    OUTPUT_VARIABLE symbols
-    COMMAND_ERROR_IS_FATAL ANY
-)
-string(REPLACE "\n" ";" symbols "${symbols}")
-
-set(faults)
-list(JOIN allowed "|" allowed_pattern)
-foreach(symbol IN LISTS symbols)
-    if(symbol AND NOT symbol MATCHES "^(${allowed_pattern})$")
-        list(APPEND faults "exported, and should not be: ${symbol}")
-    endif()
+set(exported)
+string(REPLACE "|" ";" libraries "${libraries}")
+foreach(library IN LISTS libraries)
+    execute_process(
+        COMMAND ${nm} --dynamic --defined-only --demangle ${library}
+        OUTPUT_VARIABLE symbols
+        COMMAND_ERROR_IS_FATAL ANY
+    )
+    string(REGEX MATCHALL "[^\n]+" symbols "${symbols}")
+    list(TRANSFORM symbols REPLACE "^[0-9a-f]+ " "") # leaves the kind and the name
+    # Instances of standard templates and inline constants are there as the compiler happens to need
+    # them: kinds u and V, or W with a standard name.
+    list(FILTER symbols EXCLUDE REGEX "^[uV] [^ ]*$|^. [^(]*(std|__gnu_cxx)::")
+    list(TRANSFORM symbols REPLACE "^. " "")
+    cmake_path(GET library STEM name)
+    list(TRANSFORM symbols PREPEND "${name}: ")
+    list(APPEND exported ${symbols})
 endforeach()
-foreach(pattern IN LISTS needed)
-    if(NOT "${symbols}" MATCHES "(^|;)${pattern}(;|$)")
-        list(APPEND faults "not exported: ${pattern}")
-    endif()
-endforeach()
-if(faults)
-    list(JOIN faults "\n  " faults)
-    message(FATAL_ERROR "${library}\n  ${faults}")
+list(REMOVE_DUPLICATES exported) # a constructor has several symbols of one name
+list(SORT exported)
+
+if(renew)
+    list(JOIN exported "\n" text)
+    file(WRITE ${list} "${text}\n")
+    return()
+endif()
+
+file(STRINGS ${list} listed)
+set(added ${exported})
+list(REMOVE_ITEM added ${listed})
+set(removed ${listed})
+list(REMOVE_ITEM removed ${exported})
+list(TRANSFORM added PREPEND "added:   ")
+list(TRANSFORM removed PREPEND "removed: ")
+if(added OR removed)
+    list(JOIN added "\n  " added)
+    list(JOIN removed "\n  " removed)
+    message(FATAL_ERROR "exported, unlike ${list} says:\n  ${added}\n  ${removed}\n"
+        "If that is meant, follow docs/library-versions.md and build renew_exported_symbols.")
 endif()

@@ -1,5 +1,7 @@
 #pragma once
 
+#define OWN_PLATFORM
+
 #include <string_view>
 
 // Events of an application that only counts them.

@@ -1,0 +1,3 @@
+#include <platform/qz_module.h>
+
+void ModuleGeometry::register_properties(CoreBasicArray<CoreString> const&) {}
