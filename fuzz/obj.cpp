@@ -5,6 +5,9 @@
 #include <platform/qz_obj/obj_file.h>
 
 #include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -35,14 +38,28 @@ bool is_same(ObjMesh const& a, ObjMesh const& b) {
            a.import_data.warnings.get_count() == b.import_data.warnings.get_count();
 }
 
-// What is read must not hang on where the blocks of a file end.
-void compare_block_sizes(CoreString const& path, unsigned int const& block_size) {
-    ObjMesh whole;
-    ObjMesh pieces;
-    bool const is_loaded = obj_read_file(path, {}, nullptr, whole);
-    bool const is_loaded_again = obj_read_file(path, {.block_size = block_size}, nullptr, pieces);
-    require(is_loaded == is_loaded_again && (!is_loaded || is_same(whole, pieces)),
+// A mesh without points when the file is refused.
+ObjMesh load(std::string_view const& text, unsigned int const& block_size) {
+    static MemoryFile file;
+    static CoreString const path(file.get_path().c_str());
+    file.write(reinterpret_cast<std::uint8_t const*>(text.data()), text.size());
+    ObjMesh mesh;
+    return obj_read_file(path, {.block_size = block_size}, nullptr, mesh) ? std::move(mesh)
+                                                                          : ObjMesh();
+}
+
+// What is read hangs neither on where the blocks of a file end nor on blanks at the ends of lines,
+// with which no short cut is taken.
+void compare_ways_of_reading(std::string_view const& text) {
+    ObjMesh const whole = load(text, 1u << 16);
+    require(is_same(whole, load(text, static_cast<unsigned int>(1 + text.size() % 61))),
             "a file reads the same in blocks of any size");
+    std::string padded;
+    for (char const character : text) {
+        padded += character == '\n' ? " \n" : std::string(1, character);
+    }
+    require(is_same(whole, load(padded, 1u << 16)),
+            "a file reads the same with blanks at the ends of its lines");
 }
 
 }  // namespace
@@ -53,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     static CoreString const path(file.get_path().c_str());
     CoreLogHandler::get_main().set_level(0);
     file.write(bytes, size);
-    compare_block_sizes(path, static_cast<unsigned int>(1 + size % 61));
+    compare_ways_of_reading({reinterpret_cast<char const*>(bytes), size});
     AppProgressBar progress("build");  // with it, 4-gons are checked
     kept_mesh.run([&](PolyMesh& mesh) {
         return mesh.import_from_file(path, "", 0.0, nullptr, size % 2 == 0 ? &progress : nullptr);

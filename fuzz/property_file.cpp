@@ -5,6 +5,7 @@
 #include <tools/qzpoly/property_file.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -19,6 +20,17 @@ struct Meshes {
     }
     PolyMesh meshes[3];
 };
+
+// No corner names an item that is not there.
+void require_components(PolyMeshProperty const& property) {
+    GeometryFragment fragment;
+    fragment.primitive_index = 0;
+    std::vector<double> values(property.get_value_extent());
+    double* const nothing = nullptr;
+    require(property.evaluate(CtxEval(), fragment, values.data(), nothing, nothing, nothing,
+                              property.get_value_extent()) == property.get_value_extent(),
+            "a property that was read has all its components");
+}
 
 }  // namespace
 
@@ -35,6 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
             load_property(file.get_path(), mesh, messages);
         if (property) {
             query_property(mesh, *property);
+            require_components(*property);
         }
     }
     return 0;

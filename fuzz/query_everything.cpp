@@ -11,7 +11,42 @@
 #include <poly/topology/neighbourhood.h>
 #include <poly/topology/reverse_poly_order.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
+
+bool is_inside(GMathVec3<double> const& p, GMathBbox3<double> const& box) {
+    return p.x >= box.minimum.x && p.y >= box.minimum.y && p.z >= box.minimum.z &&
+           p.x <= box.maximum.x && p.y <= box.maximum.y && p.z <= box.maximum.z;
+}
+
+// Where they are at a time, bounds must hold them: a ray would miss what lies outside.
+void query_corners(PolyMeshSmoothed const& smoothed, unsigned int const& primitive) {
+    CtxEval const ctx;
+    for (double const time : {0.0, 0.75, -2.5}) {
+        GMathVec3<double> positions[4];
+        unsigned int const count =
+            smoothed.get_primitive_vertices(ctx, {primitive, time}, positions);
+        require((count == 0) == (primitive >= smoothed.get_primitive_count()),
+                "every primitive has corners");
+        GMathBbox3<double> box = GMathBbox3<double>::get_inverted();
+        if (count != 0 && time == 0.0) {  // at rest, whatever the velocities
+            smoothed.compute_primitive_bbox(ctx, primitive, box);
+        } else if (count != 0) {
+            smoothed.compute_primitive_bbox_at(ctx, primitive, time, box);
+        }
+        auto const is_finite = [](GMathVec3<double> const& p) {
+            return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+        };
+        bool const is_bounded = std::all_of(positions, positions + count, is_finite);
+        for (unsigned int corner = 0; is_bounded && corner < count; ++corner) {
+            require(is_inside(positions[corner], box) &&
+                        is_inside(positions[corner], smoothed.get_bbox_at(ctx, time)),
+                    "bounds hold what they bound");
+        }
+    }
+}
 
 // At an angle and with a map that depend on the mesh.
 void query_smoothed(PolyMesh const& mesh, std::size_t const& digest) {
@@ -22,12 +57,9 @@ void query_smoothed(PolyMesh const& mesh, std::size_t const& digest) {
     query_geometry(smoothed, 4);
     PolyMeshSmoothed const copy(smoothed);
     query_geometry(copy, 1);
-    for (unsigned int const primitive : {0u, mesh.get_primitive_count()}) {
-        GMathVec3<double> positions[4];
-        unsigned int const count =
-            copy.get_primitive_vertices(CtxEval(), {primitive, 0.5}, positions);
-        require((count == 0) == (primitive >= mesh.get_primitive_count()),
-                "every primitive has vertices");
+    for (unsigned int primitive = 0; primitive <= std::min(mesh.get_primitive_count(), 8u);
+         ++primitive) {
+        query_corners(copy, primitive);
     }
     CoreArray<unsigned char> edges;
     PolyMeshSmoothed::find_hard_edges(mesh, angle, edges);

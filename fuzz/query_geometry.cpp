@@ -132,13 +132,13 @@ void query_rays(PolyMeshBase const& geometry, unsigned int const& primitive, Vec
         rays[i].ray = GMathBasicRay(target - directions[i] * 2.0, directions[i]);
         rays[i].time = times[i % std::size(times)];
     }
-    for (unsigned int kind = 0; kind < 12; ++kind) {
+    for (unsigned int kind = 0; kind < 4; ++kind) {
         GeometryHit hits[ray_count];
         GeometryRaytraceCtx rays_ctx(rays, hits, ray_count);
-        rays_ctx.keep_mode = static_cast<GeometryRaytraceCtx::KeepMode>(kind / 4);
+        rays_ctx.keep_mode = static_cast<GeometryRaytraceCtx::KeepMode>((primitive + kind) % 3);
         rays_ctx.test_mode =
             kind % 2 == 0 ? GeometryRaytraceCtx::TEST_TOLERANT : GeometryRaytraceCtx::TEST_EXACT;
-        rays_ctx.is_motion_blurred = kind / 2 % 2 == 1;
+        rays_ctx.is_motion_blurred = kind / 2 == 1;
         geometry.intersect_primitive(ctx, primitive, rays_ctx);
         for (GeometryHit const& hit : rays_ctx.all_hits) {
             require(hit.primitive_index == primitive && hit.ray_index < ray_count &&
@@ -174,21 +174,20 @@ void query_primitive(PolyMeshBase const& geometry, unsigned int const& primitive
     query_edges(geometry, primitive);
     query_bounds(geometry, primitive);
     double const places[][2] = {{0.25, 0.5}, {0, 0}, {1, 0}, {1, 1}, {1.0 / 3.0, 1.0 / 3.0}};
+    unsigned int turn = primitive;  // each place at another time
     for (auto const& [s, t] : places) {
-        for (double const time : times) {
-            GeometryFragment fragment;
-            fragment.primitive_index = primitive;
-            fragment.s = s;
-            fragment.t = t;
-            fragment.time = time;
-            fragment.time_step = s;
-            GeometrySample const sample = query_fragment(geometry, fragment);
-            require(sample.get_kind() == GeometrySample::KIND_SURFACE,
-                    "a primitive has a sample everywhere");
-            if (time == 0.0 && s < 0.5) {
-                query_rays(geometry, primitive, Vec(sample.get_position()));
-                query_frustum(geometry, primitive, Vec(sample.get_position()));
-            }
+        GeometryFragment fragment;
+        fragment.primitive_index = primitive;
+        fragment.s = s;
+        fragment.t = t;
+        fragment.time = times[turn++ % std::size(times)];
+        fragment.time_step = s;
+        GeometrySample const sample = query_fragment(geometry, fragment);
+        require(sample.get_kind() == GeometrySample::KIND_SURFACE,
+                "a primitive has a sample everywhere");
+        if (turn % 3 == 0) {
+            query_rays(geometry, primitive, Vec(sample.get_position()));
+            query_frustum(geometry, primitive, Vec(sample.get_position()));
         }
     }
 }

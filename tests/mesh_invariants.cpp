@@ -2,6 +2,7 @@
 
 #include <poly/mesh/map_entries.h>
 
+#include <cmath>
 #include <set>
 #include <utility>
 #include <vector>
@@ -43,6 +44,7 @@ struct Checker {
         CHECK_AT(0, points.normals.get_count() == vertex_count)
         CHECK_AT(0, points.velocities.is_empty() || points.velocities.get_count() == vertex_count)
         CHECK_AT(0, points.support_geometries.get_count() == 1 || vertex_count == 0)
+        CHECK_AT(0, points.geometry_indices.is_empty())
         CHECK_AT(0, points.primitive_indices.get_count() == vertex_count)
         CHECK_AT(0, points.primitive_uvs.get_count() == vertex_count)
         CHECK_AT(0, t.polygon_shading_groups.get_count() >= t.polygon_vertex_count.get_count())
@@ -139,6 +141,26 @@ struct Checker {
         return {};
     }
 
+    // Of length 1, or none at all.
+    std::string check_normals() {
+        for (unsigned int vertex = 0; vertex < vertex_count; ++vertex) {
+            CHECK_AT(vertex, is_normal(points.normals[vertex]))
+        }
+        for (unsigned int group = 0; group < group_count; ++group) {
+            CHECK_AT(group, is_sum(g.shading_group_normals[group]))
+        }
+        CHECK_AT(0, is_sum(g.mesh_normal))
+        return {};
+    }
+    static bool is_normal(GMathShortNormal const& normal) {
+        float const length = gmath_length(normal.decode());
+        return normal == GMathShortNormal{0, 0, 0} || std::fabs(length - 1.0f) < 0.001f;
+    }
+    // Areas, which are not negative but may be no numbers.
+    static bool is_sum(PolyMeshNormalSum const& sum) {
+        return !(sum.x < 0.0f || sum.y < 0.0f || sum.z < 0.0f);
+    }
+
     std::string check_boxes() {
         GMathBbox3<float> whole = GMathBbox3<float>::get_inverted();
         for (GMathVec3<float> const& position : points.positions) {
@@ -170,6 +192,9 @@ struct Checker {
         }
         for (PolyMeshNormalMap const& map : g.normal_maps) {
             CHECK_AT(0, map.polygon_indices.get_count() == corner_count)
+            for (unsigned int i = 0; i < map.normals.get_count(); ++i) {
+                CHECK_AT(i, is_normal(map.normals[i]))
+            }
             for (unsigned int corner = 0; corner < corner_count; ++corner) {
                 unsigned int const index = map.polygon_indices[corner];
                 CHECK_AT(corner, index < vertex_count + map.normals.get_count() || index == absent)
@@ -185,7 +210,7 @@ std::string find_broken_invariant(PolyMesh const& mesh, bool const& edges_are_bu
     Checker checker{mesh, edges_are_built};
     for (auto const check :
          {&Checker::check_lengths, &Checker::check_polygons, &Checker::check_support,
-          &Checker::check_boxes, &Checker::check_maps}) {
+          &Checker::check_normals, &Checker::check_boxes, &Checker::check_maps}) {
         std::string const broken = (checker.*check)();
         if (!broken.empty()) {
             return broken;
