@@ -50,6 +50,8 @@ TEST(Render, SearchByBoxesMissesNothing) {
         {"--frames", block, middle, end, "--times", "0", "1", "9", "--shutter", "0.25", "5"},
         {"--frames", block, end, "--shutter", "0.5", "0.5"},
         {"--sphere", "7", "5", "1", "2", "1", "--shade", "primitive"},
+        {"--sphere", "9", "7", "--motion", "--exact"},
+        {"--motion", "--smooth", "30"},  // the own model
     };
     for (std::vector<std::string> row : rows) {
         SCOPED_TRACE(testing::PrintToString(row));

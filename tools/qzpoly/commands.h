@@ -21,3 +21,4 @@ void add_probe_command(CLI::App& app, ToolSession& session);
 void add_stats_command(CLI::App& app, ToolSession& session);
 void add_dump_command(CLI::App& app, ToolSession& session);
 void add_pack_command(CLI::App& app, ToolSession& session);
+void add_verify_command(CLI::App& app, ToolSession& session);

@@ -19,6 +19,7 @@ struct Query {
     CtxEval const* ctx;
     GeometryRay const* ray;
     GeometryHit hit;
+    std::vector<unsigned int>* candidates;  // not null: primitives are listed, and not tested
 };
 
 class EmbreeSearch : public ToolHitSearch {
@@ -52,6 +53,17 @@ class EmbreeSearch : public ToolHitSearch {
         start(ctx, ray, query, embree_ray);
         rtcOccluded1(m_scene, &query.context, &embree_ray);
         return embree_ray.tfar < 0;
+    }
+
+    void list_candidates(GeometryRay const& ray,
+                         std::vector<unsigned int>& primitives) const override {
+        Query query;
+        RTCRayHit ray_hit;
+        start(m_ctx, ray, query, ray_hit.ray);
+        primitives.clear();
+        query.candidates = &primitives;
+        ray_hit.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+        rtcIntersect1(m_scene, &query.context, &ray_hit);
     }
 
   private:
@@ -140,6 +152,10 @@ void EmbreeSearch::intersect(RTCIntersectFunctionNArguments const* arguments) {
     }
     EmbreeSearch const& self = *static_cast<EmbreeSearch const*>(arguments->geometryUserPtr);
     Query& query = *reinterpret_cast<Query*>(arguments->context);
+    if (query.candidates != nullptr) {
+        query.candidates->push_back(arguments->primID);
+        return;
+    }
     if (find_nearer(self.m_geometry, self.m_settings, *query.ctx, arguments->primID, *query.ray,
                     query.hit)) {
         RTCRayHit& ray_hit = *reinterpret_cast<RTCRayHit*>(arguments->rayhit);
@@ -166,6 +182,7 @@ void EmbreeSearch::start(CtxEval const& ctx, GeometryRay const& ray, Query& quer
     query.ctx = &ctx;
     query.ray = &ray;
     query.hit = GeometryHit();
+    query.candidates = nullptr;
     GMathVec3<float> const origin(ray.ray.get_origin());
     GMathVec3<float> const direction(ray.ray.get_direction());
     embree_ray.org_x = origin.x;

@@ -36,6 +36,10 @@ class PlainSearch : public ToolHitSearch {
         });
     }
 
+    void list_candidates(GeometryRay const&, std::vector<unsigned int>& primitives) const override {
+        primitives = m_primitives;
+    }
+
   private:
     GeometryObject const& m_geometry;
     ToolSearchSettings m_settings;

@@ -26,6 +26,9 @@ class ToolHitSearch {
                               GeometryHit& hit) const = 0;
     // Whether there is a hit within the ray's distances.
     virtual bool is_blocked(CtxEval const& ctx, GeometryRay const& ray) const = 0;
+    // Replaces `primitives` by all that the ray may meet, and some that it passes by.
+    virtual void list_candidates(GeometryRay const& ray,
+                                 std::vector<unsigned int>& primitives) const = 0;
 };
 
 // Tests one primitive. `hit` is the nearest so far: replaced, with true, by one that is nearer, or

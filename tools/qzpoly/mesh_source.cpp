@@ -103,8 +103,10 @@ void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
 }  // namespace
 
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
-    CLI::Option* const file = command.add_option(
-        "FILE", options.file, "Wavefront OBJ file, LightWave object, or byte block of `pack`");
+    std::string const meaning = "Wavefront OBJ file, LightWave object, or byte block of `pack`";
+    CLI::Option* const file = need == ToolFileNeed::SEVERAL
+                                  ? command.add_option("FILE", options.files, meaning)
+                                  : command.add_option("FILE", options.file, meaning);
     command
         .add_option("--item", options.item, "The layers of this name of a LightWave object [all]")
         ->type_name("NAME");

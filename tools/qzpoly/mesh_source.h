@@ -15,9 +15,10 @@ class App;
 // Which mesh a subcommand works on, as the command line tells it.
 struct ToolMeshOptions {
     std::string file;
-    std::vector<double> sphere;  // segments, rings and perhaps three radii; empty: no sphere
-    std::string item;            // layers of a LightWave object; empty: all
-    bool is_unchecked = false;   // keeps every 4-gon as a quad, convex or not
+    std::vector<std::string> files;  // where there may be several; then `file` is left alone
+    std::vector<double> sphere;      // segments, rings and perhaps three radii; empty: no sphere
+    std::string item;                // layers of a LightWave object; empty: all
+    bool is_unchecked = false;       // keeps every 4-gon as a quad, convex or not
 };
 
 struct ToolMesh {
@@ -28,9 +29,9 @@ struct ToolMesh {
     double seconds = 0;  // that loading and building took
 };
 
-enum class ToolFileNeed { REQUIRED, OPTIONAL };
+enum class ToolFileNeed { REQUIRED, OPTIONAL, SEVERAL };
 
-// Adds FILE and the options of loading; with an optional file also --sphere.
+// Adds FILE and the options of loading; where no file is required also --sphere.
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need);
 
 // Loads what the options name, the project's own small model if they name nothing. False after the
