@@ -5,6 +5,8 @@
 #include <tools/qzpoly/terminal.h>
 #include <tools/qzpoly/verify_rays.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <thread>
@@ -79,7 +81,7 @@ void print_result(ToolVerifyPlace const& place, char const* test, ToolVerifyResu
 }
 
 void print_text(MeshReport const& report) {
-    std::printf("%s: %u triangles%s\n", report.name.c_str(), report.triangle_count,
+    std::printf("%s: %u triangles%s\n", make_printable(report.name).c_str(), report.triangle_count,
                 report.is_paired_by_position ? ", closed by position"
                 : report.unpaired_count == 0 ? ", closed"
                                              : ", open");
