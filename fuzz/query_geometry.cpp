@@ -11,12 +11,11 @@ namespace {
 using Vec = GMathVec3<double>;
 using Box = GMathBbox3<double>;
 
-CtxEval const ctx;
 constexpr unsigned int none = 0xFFFFFFFFu;
 constexpr double times[] = {0.0, 0.75, -1e300, std::numeric_limits<double>::quiet_NaN()};
 GMathMatrix4x4<double> const mirrored = {{-2, 0, 0.5, 1, 0, 1, 0, 2, 0, 0.25, 1, 3, 0, 0, 0, 1}};
 
-void query_whole(PolyMeshBase const& geometry) {
+void query_whole(PolyMeshBase const& geometry, CtxEval const& ctx) {
     Box const box = geometry.get_bbox();
     require(!geometry.is_animated() || geometry.get_point_cloud()->is_animated(),
             "a mesh moves as its points do");
@@ -77,7 +76,7 @@ void query_maps(PolyMeshBase const& geometry) {
             "there is no map past the last");
 }
 
-void query_edges(PolyMeshBase const& geometry, unsigned int const& primitive) {
+void query_edges(PolyMeshBase const& geometry, CtxEval const& ctx, unsigned int const& primitive) {
     unsigned int const edge_count = geometry.get_primitive_edge_count(primitive);
     require(edge_count == 3 || edge_count == 4, "primitives are triangles and quads");
     for (unsigned int edge = 0; edge < edge_count; ++edge) {
@@ -92,7 +91,7 @@ void query_edges(PolyMeshBase const& geometry, unsigned int const& primitive) {
     }
 }
 
-void query_bounds(PolyMeshBase const& geometry, unsigned int const& primitive) {
+void query_bounds(PolyMeshBase const& geometry, CtxEval const& ctx, unsigned int const& primitive) {
     GMathLinearSpace3<double> space = GMathLinearSpace3<double>::get_identity();
     geometry.compute_primitive_space(ctx, primitive, space);
     Box box = Box::get_inverted();
@@ -109,7 +108,8 @@ void query_bounds(PolyMeshBase const& geometry, unsigned int const& primitive) {
     geometry.is_primitive_uv_mapped(primitive, 0);
 }
 
-GeometrySample query_fragment(PolyMeshBase const& geometry, GeometryFragment const& fragment) {
+GeometrySample query_fragment(PolyMeshBase const& geometry, CtxEval const& ctx,
+                              GeometryFragment const& fragment) {
     GeometrySample sample;
     geometry.compute_fragment_sample(ctx, fragment, sample);
     for (unsigned int map = 0; map < std::min(geometry.get_uv_map_count(), 4u); ++map) {
@@ -124,7 +124,8 @@ GeometrySample query_fragment(PolyMeshBase const& geometry, GeometryFragment con
 }
 
 // Rays of all kinds, most of them at `target`, a place of the primitive.
-void query_rays(PolyMeshBase const& geometry, unsigned int const& primitive, Vec const& target) {
+void query_rays(PolyMeshBase const& geometry, CtxEval const& ctx, unsigned int const& primitive,
+                Vec const& target) {
     constexpr unsigned int ray_count = 5;
     Vec const directions[ray_count] = {{0, 0, -1}, {1, 2, -3}, {-1e-20, 1, 0}, {0, 0, 0}, target};
     GeometryRay rays[ray_count];
@@ -148,12 +149,13 @@ void query_rays(PolyMeshBase const& geometry, unsigned int const& primitive, Vec
             fragment.primitive_index = primitive;
             fragment.s = hit.s;
             fragment.t = hit.t;
-            query_fragment(geometry, fragment);
+            query_fragment(geometry, ctx, fragment);
         }
     }
 }
 
-void query_frustum(PolyMeshBase const& geometry, unsigned int const& primitive, Vec const& target) {
+void query_frustum(PolyMeshBase const& geometry, CtxEval const& ctx, unsigned int const& primitive,
+                   Vec const& target) {
     std::vector<unsigned char> marks(geometry.get_vertex_count());
     for (unsigned int const mode : {0u, 1u, 2u, 3u}) {
         GeometryFrustumCtx frustum;
@@ -170,9 +172,10 @@ void query_frustum(PolyMeshBase const& geometry, unsigned int const& primitive, 
     }
 }
 
-void query_primitive(PolyMeshBase const& geometry, unsigned int const& primitive) {
-    query_edges(geometry, primitive);
-    query_bounds(geometry, primitive);
+void query_primitive(PolyMeshBase const& geometry, CtxEval const& ctx,
+                     unsigned int const& primitive) {
+    query_edges(geometry, ctx, primitive);
+    query_bounds(geometry, ctx, primitive);
     double const places[][2] = {{0.25, 0.5}, {0, 0}, {1, 0}, {1, 1}, {1.0 / 3.0, 1.0 / 3.0}};
     unsigned int turn = primitive;  // each place at another time
     for (auto const& [s, t] : places) {
@@ -182,12 +185,12 @@ void query_primitive(PolyMeshBase const& geometry, unsigned int const& primitive
         fragment.t = t;
         fragment.time = times[turn++ % std::size(times)];
         fragment.time_step = s;
-        GeometrySample const sample = query_fragment(geometry, fragment);
+        GeometrySample const sample = query_fragment(geometry, ctx, fragment);
         require(sample.get_kind() == GeometrySample::KIND_SURFACE,
                 "a primitive has a sample everywhere");
         if (turn % 3 == 0) {
-            query_rays(geometry, primitive, Vec(sample.get_position()));
-            query_frustum(geometry, primitive, Vec(sample.get_position()));
+            query_rays(geometry, ctx, primitive, Vec(sample.get_position()));
+            query_frustum(geometry, ctx, primitive, Vec(sample.get_position()));
         }
     }
 }
@@ -195,21 +198,26 @@ void query_primitive(PolyMeshBase const& geometry, unsigned int const& primitive
 }  // namespace
 
 void query_geometry(PolyMeshBase const& geometry, unsigned int const& primitive_count) {
-    query_whole(geometry);
+    double const shutter_times[] = {-0.5, 0.5, 1.0};
+    CtxShader const shader(
+        CtxMotionBlur(GMathTimeSampling(CoreBasicArray<double>(shutter_times, 3))));
+    CtxEval const ctxs[] = {CtxEval(), CtxEval(&shader)};
+    query_whole(geometry, ctxs[primitive_count % 2]);
     query_maps(geometry);
     unsigned int const count = geometry.get_primitive_count();
     unsigned int const step = 1 + count / primitive_count;
     for (unsigned int primitive = 0; primitive < count; primitive += step) {
-        query_primitive(geometry, primitive);
+        query_primitive(geometry, ctxs[primitive % 2], primitive);
     }
     if (count != 0) {
-        query_primitive(geometry, count - 1);
+        query_primitive(geometry, ctxs[1], count - 1);
     }
     for (unsigned int const point : {none, 0u, geometry.get_vertex_count() - 1}) {
         GeometryFragment fragment;
         fragment.point_index = geometry.get_vertex_count() == 0 ? none : point;
+        fragment.time_step = 0.5;
         GeometrySample sample;
-        geometry.compute_fragment_sample(ctx, fragment, sample);
+        geometry.compute_fragment_sample(ctxs[1], fragment, sample);
         require((sample.get_kind() == GeometrySample::KIND_NONE) == (fragment.point_index == none),
                 "a point has a sample, and nothing has none");
     }
