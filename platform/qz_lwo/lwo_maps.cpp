@@ -8,7 +8,7 @@ namespace {
 // Every list of corners that maps need may be as long as the mesh, however short a map is in the
 // file. The first figure is room for maps on small files, the second grows with what is in a file.
 constexpr unsigned long long free_list_bytes = 64ull << 20;
-constexpr unsigned long long list_bytes_per_byte = 16;
+constexpr unsigned long long list_bytes_per_byte = 8;
 
 // The order of part lists can tell that the same points, or polygons, get values again.
 bool is_given_again(LwoMap::Kind const& kind, LwoMapPart const& last, LwoMapPart const& part) {

@@ -81,6 +81,10 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
     m_hash_key = compute_content_key(file.positions, {}, file.get_polygons());
     install(file.positions, {}, file.get_polygons(), file.shading_group_names, file.uv_maps,
             file.color_maps);
+    // The mesh has these by now, and building needs room.
+    file.positions.clear();
+    file.uv_maps.clear();
+    file.color_maps.clear();
     rebuild(file.get_polygons(), build_progress != nullptr, file.normal_maps);
     return true;
 }

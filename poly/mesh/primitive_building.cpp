@@ -55,8 +55,6 @@ class PrimitiveBuilder {
         allocate();
         set_step_count(progress, m_polygons.vertex_count.get_count());
         fill(progress);
-        m_topology.triangle_indices.copy_from(m_triangles);
-        m_topology.primitive_index_offsets.copy_from(m_offsets);
         return m_degenerate_count;
     }
 
@@ -73,6 +71,8 @@ class PrimitiveBuilder {
             if (n >= 3) {
                 m_primitive_count += is_cut ? n - 2 : 1;
                 m_cut_count += is_cut ? n - 2 : 0;
+                unsigned int& last = is_cut ? m_last_cut_corner : m_last_whole_corner;
+                last = static_cast<unsigned int>(is_cut ? corner + n - 1 : corner);
             }
             corner += n;
         }
@@ -83,8 +83,10 @@ class PrimitiveBuilder {
     }
 
     void allocate() {
-        m_triangles.reset(3 * m_cut_count);
-        m_offsets.reset(m_primitive_count);
+        unsigned int const last_cut_offset = m_cut_count == 0 ? 0 : 3 * (m_cut_count - 1);
+        m_topology.triangle_indices.init(3 * m_cut_count, m_last_cut_corner);
+        m_topology.primitive_index_offsets.init(m_primitive_count,
+                                                std::max(m_last_whole_corner, last_cut_offset));
         m_topology.primitive_infos.reset(m_primitive_count);
         m_topology.primitive_polygon_indices.init(m_primitive_count,
                                                   m_polygons.vertex_count.get_count() - 1);
@@ -140,7 +142,7 @@ class PrimitiveBuilder {
                           unsigned int const* triangle) {
         add_primitive(polygon, get_cut_info(triangle, n), m_triangle_corner);
         for (unsigned int k = 0; k < 3; ++k) {
-            m_triangles[m_triangle_corner++] = m_corner + triangle[k];
+            m_topology.triangle_indices.set(m_triangle_corner++, m_corner + triangle[k]);
         }
     }
 
@@ -154,7 +156,7 @@ class PrimitiveBuilder {
     void add_primitive(unsigned int const& polygon, unsigned int const& info,
                        unsigned int const& offset) {
         m_topology.primitive_infos[m_primitive] = static_cast<unsigned char>(info);
-        m_offsets[m_primitive] = offset;
+        m_topology.primitive_index_offsets.set(m_primitive, offset);
         m_topology.primitive_polygon_indices.set(m_primitive, polygon);
         m_topology.primitive_shading_groups.set(m_primitive, m_polygons.shading_groups[polygon]);
         ++m_primitive;
@@ -165,15 +167,15 @@ class PrimitiveBuilder {
     bool m_check_quads;
     PolyMeshTopology& m_topology;
 
-    CoreArray<bool> m_is_cut;  // by polygon
-    CoreArray<unsigned int> m_triangles;
-    CoreArray<unsigned int> m_offsets;
+    CoreArray<bool> m_is_cut;       // by polygon
     CoreArray<unsigned int> m_cut;  // corner numbers of one polygon's triangles
     unsigned int m_primitive_count = 0;
     unsigned int m_cut_count = 0;
+    unsigned int m_last_cut_corner = 0;    // of the last polygon that is cut
+    unsigned int m_last_whole_corner = 0;  // the first one of the last polygon that is not
 
     unsigned int m_corner = 0;           // the first corner of the polygon at hand
-    unsigned int m_triangle_corner = 0;  // the next free place of m_triangles
+    unsigned int m_triangle_corner = 0;  // the next free place of triangle_indices
     unsigned int m_primitive = 0;
     unsigned int m_degenerate_count = 0;
 };
