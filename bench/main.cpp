@@ -44,6 +44,23 @@ bool is_wanted(std::string const& name, std::vector<std::string> const& parts) {
     return parts.empty();
 }
 
+void add_all_rows(Bench& bench, BenchInputs& inputs) {
+    add_obj_rows(bench, inputs);
+    add_import_rows(bench, inputs);
+    add_lwo_rows(bench, inputs);
+    add_normal_rows(bench, inputs);
+    add_triangulation_rows(bench);
+    add_neighbour_rows(bench, inputs);
+    add_smoothing_rows(bench, inputs);
+    add_memory_rows(bench, inputs);  // before rays, since its children must not find threads
+    add_ray_rows(bench, inputs);
+    add_sampling_rows(bench, inputs);
+    add_hash_rows(bench, inputs);
+    add_set_rows(bench, inputs);
+    add_thread_rows(bench, inputs);
+    add_growth_rows(bench, inputs);
+}
+
 // Repetitions of the sides of a row take turns, in random order.
 void set_up_turns() {
     char program[] = "bench", turns[] = "--benchmark_enable_random_interleaving=true";
@@ -61,10 +78,7 @@ int main(int argc, char** argv) {
     }
     BenchInputs inputs(options.input_folder, options.is_short);
     Bench bench;
-    add_obj_rows(bench, inputs);
-    add_normal_rows(bench, inputs);
-    add_neighbour_rows(bench, inputs);
-    add_triangulation_rows(bench);
+    add_all_rows(bench, inputs);
     set_up_turns();
     std::vector<BenchRecord> records;
     if (!options.is_list) {

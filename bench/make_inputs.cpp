@@ -122,8 +122,11 @@ Writer make_uv_map() {
 }
 
 std::string make_lwo(BenchMesh const& mesh, std::string const& path) {
-    Writer tags, points, polygons, surfaces, by_point = make_uv_map(), by_corner = make_uv_map();
+    Writer tags, layer, points, polygons, surfaces, surface;
+    Writer by_point = make_uv_map(), by_corner = make_uv_map();
     tags << std::string_view("ground\0\0", 8);
+    layer << std::string(18, '\0');
+    surface << std::string_view("ground\0\0\0\0", 10);
     for (unsigned int i = 0; i < mesh.positions.size(); ++i) {
         Vec const& v = mesh.positions[i];
         points.big_endian(v.x);
@@ -152,11 +155,13 @@ std::string make_lwo(BenchMesh const& mesh, std::string const& path) {
     }
     Writer chunks, file;
     add_chunk(chunks, "TAGS", tags);
+    add_chunk(chunks, "LAYR", layer);
     add_chunk(chunks, "PNTS", points);
     add_chunk(chunks, "VMAP", by_point);
     add_chunk(chunks, "POLS", polygons);
     add_chunk(chunks, "PTAG", surfaces);
     add_chunk(chunks, "VMAD", by_corner);
+    add_chunk(chunks, "SURF", surface);
     file << "FORM";
     file.big_endian(static_cast<unsigned int>(chunks.get_bytes().size()) + 4, 4);
     file << "LWO2" << chunks.get_bytes();
@@ -230,8 +235,8 @@ BenchMesh make_terrain(unsigned int const& size) {
     Noise noise(1);
     for (unsigned int y = 0; y <= size; ++y) {
         for (unsigned int x = 0; x <= size; ++x) {
-            mesh.positions.emplace_back(static_cast<float>(x) + noise(0.2f),
-                                        static_cast<float>(y) + noise(0.2f), noise(0.2f));
+            float const u = static_cast<float>(x), v = static_cast<float>(y);
+            mesh.positions.emplace_back(u + noise(0.2f), v + noise(0.2f), noise(0.2f));
         }
     }
     for (unsigned int y = 0; y < size; ++y) {
@@ -354,6 +359,27 @@ std::string BenchInputs::get_obj(std::string const& name) {
     }
     std::string const path = get_file(name + ".obj");
     return std::filesystem::exists(path) ? path : make_obj(get_mesh(name), path);
+}
+
+std::string BenchInputs::get_terrain_obj(unsigned int const& size) {
+    std::string const path = get_file("terrain-" + std::to_string(size) + ".obj");
+    return std::filesystem::exists(path) ? path : make_obj(make_terrain(size), path);
+}
+
+std::vector<std::string> BenchInputs::get_small_objs(unsigned int const& count) {
+    std::vector<std::string> paths;
+    for (unsigned int i = 0; i < count; ++i) {
+        std::string const path = get_file("small-" + std::to_string(i) + ".obj");
+        paths.push_back(path);
+        if (!std::filesystem::exists(path)) {
+            unsigned int const size = 60 + i % 20;
+            make_obj(i % 3 == 0   ? make_sphere(size, size)
+                     : i % 3 == 1 ? make_terrain(size)
+                                  : make_polygons(size, size),
+                     path);
+        }
+    }
+    return paths;
 }
 
 std::string BenchInputs::get_lwo() {

@@ -46,6 +46,9 @@ class BenchInputs {
     BenchMesh const& get_mesh(std::string const& name);
     // The mesh as an OBJ file.
     std::string get_obj(std::string const& name);
+    std::string get_terrain_obj(unsigned int const& size);
+    // OBJ files of 5,000 polygons or so, each another.
+    std::vector<std::string> get_small_objs(unsigned int const& count);
     // The terrain as a LightWave object: four-byte indices, a surface, a uv map by point, and its
     // values of their own for every tenth polygon.
     std::string get_lwo();

@@ -7,8 +7,8 @@ PolyMeshInput::PolyMeshInput(BenchMesh const& mesh, BenchMaps const& maps)
         m_uv_maps.resize(1);
         GeometryUvMap& map = m_uv_maps[0];
         map.name = "uv";
-        map.values.copy_from(view(mesh.uvs));
-        map.indices.copy_from(view(mesh.uv_corners));
+        map.values.copy_from(view(mesh.uvs.empty() ? mesh.positions : mesh.uvs));
+        map.indices.copy_from(view(mesh.uvs.empty() ? mesh.corners : mesh.uv_corners));
     }
     if (maps.has_normals) {
         m_normal_maps.resize(1);
@@ -29,9 +29,9 @@ PolyMeshInput::PolyMeshInput(BenchMesh const& mesh, BenchMaps const& maps)
     }
 }
 
-void PolyMeshInput::set(PolyMesh& mesh) const {
+void PolyMeshInput::set(PolyMesh& mesh, AppProgressBar* progress) const {
     mesh.set(view(m_mesh.positions), {}, view(m_mesh.corners), view(m_mesh.counts), view(m_groups),
-             m_names, m_uv_maps, m_normal_maps, m_color_maps, true, nullptr);
+             m_names, m_uv_maps, m_normal_maps, m_color_maps, true, progress);
 }
 
 unsigned long long PolyMeshInput::get_byte_count() const {
@@ -48,6 +48,6 @@ unsigned long long PolyMeshInput::get_byte_count() const {
 
 std::shared_ptr<PolyMesh> make_poly_mesh(BenchMesh const& mesh, BenchMaps const& maps) {
     auto const result = std::make_shared<PolyMesh>();
-    PolyMeshInput(mesh, maps).set(*result);
+    PolyMeshInput(mesh, maps).set(*result, nullptr);
     return result;
 }

@@ -6,7 +6,8 @@
 
 #include <memory>
 
-// Which maps of an input enter the mesh. The color map, of a color per vertex, is made up.
+// Which maps of an input enter the mesh. An input without uvs has its positions for them; the color
+// map, of a color per vertex, is made up.
 struct BenchMaps {
     bool has_uvs = false;
     bool has_normals = false;
@@ -17,7 +18,7 @@ struct BenchMaps {
 class PolyMeshInput {
   public:
     PolyMeshInput(BenchMesh const& mesh, BenchMaps const& maps);
-    void set(PolyMesh& mesh) const;
+    void set(PolyMesh& mesh, AppProgressBar* progress) const;
     unsigned long long get_byte_count() const;
 
   private:

@@ -104,21 +104,23 @@ Json find_value(Json const& run, std::string const& name, std::string const& aga
 
 void print_header() {
     std::printf("%s, %s\n\n", get_date().c_str(), describe_machine().c_str());
-    std::printf("%-30s %-22s %8s %16s  %-8s %-7s %s\n", "row", "against", "measured", "quartiles",
+    std::printf("%-34s %-22s %8s %16s  %-8s %-7s %s\n", "row", "against", "measured", "quartiles",
                 "bar", "", "times of one call");
 }
 
 void print_record(BenchRecord const& record) {
     for (BenchResult const& result : record.results) {
+        bool const is_timed = result.value.low < result.value.high;
         std::string const spread =
-            format_value(result.value.low) + " - " + format_value(result.value.high);
+            is_timed ? format_value(result.value.low) + " - " + format_value(result.value.high)
+                     : "";
         std::string times;
         for (BenchSide const& side : record.sides) {
-            bool const is_shown =
-                &side == record.sides.data() || side.name == result.against || side.size > 0;
+            bool const is_shown = is_timed && (&side == record.sides.data() ||
+                                               side.name == result.against || side.size > 0);
             times += is_shown ? (times.empty() ? "" : ", ") + format_time(side.seconds.median) : "";
         }
-        std::printf("%-30s %-22s %8s %16s  %-8s %-7s %s\n", record.name.c_str(),
+        std::printf("%-34s %-22s %8s %16s  %-8s %-7s %s\n", record.name.c_str(),
                     result.against.c_str(), format_value(result.value.median).c_str(),
                     spread.c_str(), format_bar(result.bar).c_str(), get_verdict(record, result),
                     times.c_str());
@@ -127,7 +129,7 @@ void print_record(BenchRecord const& record) {
         std::printf("    THE RESULTS DISAGREE: %s\n", what.c_str());
     }
     for (std::string const& peer : record.missing) {
-        std::printf("%-30s %-22s is not installed: left out\n", record.name.c_str(), peer.c_str());
+        std::printf("%-34s %-22s is not installed: left out\n", record.name.c_str(), peer.c_str());
     }
     for (std::string const& note : record.notes) {
         std::printf("    %s\n", note.c_str());
@@ -182,7 +184,7 @@ bool print_changes(std::string const& path, std::vector<BenchRecord> const& reco
             ++count;
             if (result.value.low > old[2] || result.value.high < old[0]) {
                 ++change_count;
-                std::printf("%-30s %-22s %s, was %s (%s - %s)\n", record.name.c_str(),
+                std::printf("%-34s %-22s %s, was %s (%s - %s)\n", record.name.c_str(),
                             result.against.c_str(), format_value(result.value.median).c_str(),
                             format_value(old[1]).c_str(), format_value(old[0]).c_str(),
                             format_value(old[2]).c_str());

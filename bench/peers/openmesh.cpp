@@ -76,3 +76,9 @@ NeighboursWork make_openmesh_neighbours(BenchMesh const& mesh) {
     return has_triangles_only(mesh) ? make_neighbours<TriMesh>(mesh)
                                     : make_neighbours<AnyMesh>(mesh);
 }
+
+std::shared_ptr<void> build_openmesh(BenchMesh const& mesh) {
+    auto const result = std::make_shared<AnyMesh>();
+    build(mesh, *result);
+    return result;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+// Bytes of memory that this process holds, files aside, after it gave back what it can.
+unsigned long long get_resident_size();
+
+// By how much a process that is forked for it grows when it builds this; 0 when it fails.
+unsigned long long measure_in_child(std::function<std::shared_ptr<void>()> const& build);
