@@ -2,7 +2,6 @@
 
 #include <poly/mesh/map_entries.h>
 
-#include <cmath>
 #include <set>
 #include <utility>
 #include <vector>
@@ -141,24 +140,16 @@ struct Checker {
         return {};
     }
 
-    // Of length 1, or none at all.
-    std::string check_normals() {
-        for (unsigned int vertex = 0; vertex < vertex_count; ++vertex) {
-            CHECK_AT(vertex, is_normal(points.normals[vertex]))
-        }
+    // Areas, which are not negative but may be no numbers.
+    static bool is_sum(PolyMeshNormalSum const& sum) {
+        return !(sum.x < 0.0f || sum.y < 0.0f || sum.z < 0.0f);
+    }
+    std::string check_sums() {
         for (unsigned int group = 0; group < group_count; ++group) {
             CHECK_AT(group, is_sum(g.shading_group_normals[group]))
         }
         CHECK_AT(0, is_sum(g.mesh_normal))
         return {};
-    }
-    static bool is_normal(GMathShortNormal const& normal) {
-        float const length = gmath_length(normal.decode());
-        return normal == GMathShortNormal{0, 0, 0} || std::fabs(length - 1.0f) < 0.001f;
-    }
-    // Areas, which are not negative but may be no numbers.
-    static bool is_sum(PolyMeshNormalSum const& sum) {
-        return !(sum.x < 0.0f || sum.y < 0.0f || sum.z < 0.0f);
     }
 
     std::string check_boxes() {
@@ -193,7 +184,7 @@ struct Checker {
         for (PolyMeshNormalMap const& map : g.normal_maps) {
             CHECK_AT(0, map.polygon_indices.get_count() == corner_count)
             for (unsigned int i = 0; i < map.normals.get_count(); ++i) {
-                CHECK_AT(i, is_normal(map.normals[i]))
+                CHECK_AT(i, gmath_length(map.normals[i].decode()) > 0.0f)
             }
             for (unsigned int corner = 0; corner < corner_count; ++corner) {
                 unsigned int const index = map.polygon_indices[corner];
@@ -210,7 +201,7 @@ std::string find_broken_invariant(PolyMesh const& mesh, bool const& edges_are_bu
     Checker checker{mesh, edges_are_built};
     for (auto const check :
          {&Checker::check_lengths, &Checker::check_polygons, &Checker::check_support,
-          &Checker::check_normals, &Checker::check_boxes, &Checker::check_maps}) {
+          &Checker::check_sums, &Checker::check_boxes, &Checker::check_maps}) {
         std::string const broken = (checker.*check)();
         if (!broken.empty()) {
             return broken;

@@ -13,5 +13,5 @@ struct GeometryMap {
 };
 
 struct GeometryUvMap : GeometryMap<GMathVec3<float>> {};             // u, v, w
-struct GeometryNormalMap : GeometryMap<GMathVec3<float>> {};         // any length above 0
+struct GeometryNormalMap : GeometryMap<GMathVec3<float>> {};         // of finite length above 0
 struct GeometryColorMap : GeometryMap<GMathVec4<unsigned char>> {};  // red, green, blue, alpha

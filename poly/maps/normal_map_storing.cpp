@@ -5,6 +5,7 @@
 #include <poly/mesh/progress_task.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -83,8 +84,9 @@ class NormalMapStore {
         if (m_remap[value] != absent) {
             return m_remap[value];
         }
+        // One that floats cannot hold, NaN included, tells no direction.
         float const length = gmath_length(m_map.values[value]);
-        if (!(length > 0.0f)) {
+        if (!(length > 0.0f) || !std::isfinite(length)) {
             return absent;
         }
         GMathShortNormal const normal = GMathShortNormal::encode(m_map.values[value] / length);
