@@ -81,7 +81,7 @@ def make_maps_over_corners(size):
     """Maps of one entry each, over as many corners as so many maps may still have."""
     maps = repeat_numbered(b"", make_map_chunk, size * 9 // 10)
     map_count = len(maps) // len(make_map_chunk(0))
-    corner_count = ((64 << 20) + 8 * size) // (4 * map_count)
+    corner_count = ((64 << 20) + 6 * size) // (4 * map_count)
     faces = struct.pack(">4H", 3, 0, 1, 2) * (corner_count // 3 - 1)
     return make_object(LWO_POINTS, make_chunk(b"POLS", b"FACE" + faces), maps)
 
