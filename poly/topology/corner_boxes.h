@@ -3,6 +3,7 @@
 #include <poly/topology/ear_triangle.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -11,98 +12,92 @@
 // sides of negative dy. The same holds for y and positive dx.
 inline bool is_finite(PlanePoint const& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 
-// The bounding boxes of eight sets of finite points.
+// Tells whether no coordinate of some points is so large that the tests could overflow on them: up
+// to this limit differences stay up to 2e18, products up to 4e36 and their differences up to 8e36.
+class CoordinateRange {
+  public:
+    void include(PlanePoint const& p) {
+        // A NaN is passed over.
+        m_largest = std::max(std::max(m_largest, std::fabs(p.x)), std::fabs(p.y));
+    }
+    bool is_roomy() const { return m_largest <= limit; }
+
+  private:
+    static constexpr float limit = 1e18f;
+
+    float m_largest = 0.0f;
+};
+
+// The bounding boxes of eight sets of points. A NaN is passed over.
 struct CornerBoxes {
-    float min_x[lane_group_size];
-    float max_x[lane_group_size];
-    float min_y[lane_group_size];
-    float max_y[lane_group_size];
+    enum Row { MIN_X, MAX_X, MIN_Y, MAX_Y };
+
+    float bounds[4][lane_group_size];
 
     // An empty box passes neither test below.
     void clear(unsigned int const& k) {
-        min_x[k] = std::numeric_limits<float>::infinity();
-        max_x[k] = -std::numeric_limits<float>::infinity();
-        min_y[k] = std::numeric_limits<float>::infinity();
-        max_y[k] = -std::numeric_limits<float>::infinity();
+        bounds[MIN_X][k] = std::numeric_limits<float>::infinity();
+        bounds[MAX_X][k] = -std::numeric_limits<float>::infinity();
+        bounds[MIN_Y][k] = std::numeric_limits<float>::infinity();
+        bounds[MAX_Y][k] = -std::numeric_limits<float>::infinity();
     }
 
     void include(unsigned int const& k, PlanePoint const& p) {
-        min_x[k] = std::min(min_x[k], p.x);
-        max_x[k] = std::max(max_x[k], p.x);
-        min_y[k] = std::min(min_y[k], p.y);
-        max_y[k] = std::max(max_y[k], p.y);
+        bounds[MIN_X][k] = std::min(bounds[MIN_X][k], p.x);
+        bounds[MAX_X][k] = std::max(bounds[MAX_X][k], p.x);
+        bounds[MIN_Y][k] = std::min(bounds[MIN_Y][k], p.y);
+        bounds[MAX_Y][k] = std::max(bounds[MAX_Y][k], p.y);
     }
 
     // Takes in box `j` of `other`, which may be empty.
     void include(unsigned int const& k, CornerBoxes const& other, unsigned int const& j) {
-        min_x[k] = std::min(min_x[k], other.min_x[j]);
-        max_x[k] = std::max(max_x[k], other.max_x[j]);
-        min_y[k] = std::min(min_y[k], other.min_y[j]);
-        max_y[k] = std::max(max_y[k], other.max_y[j]);
+        bounds[MIN_X][k] = std::min(bounds[MIN_X][k], other.bounds[MIN_X][j]);
+        bounds[MAX_X][k] = std::max(bounds[MAX_X][k], other.bounds[MAX_X][j]);
+        bounds[MIN_Y][k] = std::min(bounds[MIN_Y][k], other.bounds[MIN_Y][j]);
+        bounds[MAX_Y][k] = std::max(bounds[MAX_Y][k], other.bounds[MAX_Y][j]);
     }
 };
 
-// One side of an ear, asked of boxes: may a point of the box be inside?
+// Bit k: a point of box k, of finite points, may be inside all three sides of the ear.
 //
-// Exact, without a margin and for any floats: subtraction, multiplication by a constant and
-// comparison are monotone, rounding and overflow included, so the test taken at the box's corner
-// that favours it most holds if it holds anywhere in the box. If it is NaN there, it holds nowhere:
+// Exact, without a margin: float subtraction, multiplication by a constant and comparison are
+// monotone, rounding and overflow included, so the test of a side taken at the box's corner that
+// favours it most holds if it holds anywhere in the box. If it is NaN there, it holds nowhere:
 // - infinity - infinity: a first product of -infinity, or a second of infinity, fails all points,
 //   and these products are at their best;
 // - 0 * infinity, dx or dy being the infinity: at the other points of the box the product is the
 //   infinity that fails, at those of the same coordinate NaN;
-// - infinity * 0, the difference having overflowed or holding an infinite coordinate: all points
-//   fail if the side begins at infinity. Otherwise others may have a product of 0; it is replaced
-//   by a 0 for all.
-class BoxEdge {
-  public:
-    explicit BoxEdge(EarEdge const& edge)
-        : m_x(edge.dy == 0.0f ? edge.x * 0.0f : edge.x),
-          m_y(edge.dx == 0.0f ? edge.y * 0.0f : edge.y),
-          m_dx(edge.dx),
-          m_dy(edge.dy),
-          m_best_x(edge.dy >= 0.0f ? &CornerBoxes::min_x : &CornerBoxes::max_x),
-          m_best_y(edge.dx >= 0.0f ? &CornerBoxes::max_y : &CornerBoxes::min_y) {}
-
-    // Of four boxes.
-    auto is_entered(CornerBoxes const& boxes, unsigned int const& first) const {
-        FloatLanes const x(boxes.*m_best_x + first);
-        FloatLanes const y(boxes.*m_best_y + first);
-        return (y - FloatLanes(m_y)) * FloatLanes(m_dx) -
-                   (x - FloatLanes(m_x)) * FloatLanes(m_dy) >=
-               FloatLanes(0.0f);
-    }
-
-  private:
-    float m_x;
-    float m_y;
-    float m_dx;
-    float m_dy;
-    float const (CornerBoxes::*m_best_x)[lane_group_size];
-    float const (CornerBoxes::*m_best_y)[lane_group_size];
-};
-
-// Finds the boxes of which a point may be inside all three sides of an ear.
-class BoxTriangle {
-  public:
-    explicit BoxTriangle(EarTriangle const& ear) : m_ca(ear.ca), m_ab(ear.ab), m_bc(ear.bc) {}
-
-    // Bit k: box k is one of them.
-    unsigned int find_entered(CornerBoxes const& boxes) const {
-        return find_four(boxes, 0) | find_four(boxes, 4) << 4;
-    }
-
-  private:
-    unsigned int find_four(CornerBoxes const& boxes, unsigned int const& first) const {
-        return (m_ca.is_entered(boxes, first) & m_ab.is_entered(boxes, first) &
-                m_bc.is_entered(boxes, first))
+// - infinity * 0, the side beginning at infinity: all points fail.
+// What is left is infinity * 0 from a difference that overflowed: see make_ear_for_boxes.
+inline unsigned int find_entered_boxes(EarTriangle const& ear, CornerBoxes const& boxes) {
+    auto const is_negative = [](float const& value) {
+        return std::bit_cast<unsigned int>(value) >> 31;
+    };
+    auto const is_entered = [&](EarEdge const& edge, unsigned int const& first) {
+        // Where dx or dy is zero, either bound will do.
+        float const* const x = boxes.bounds[CornerBoxes::MIN_X + is_negative(edge.dy)];
+        float const* const y = boxes.bounds[CornerBoxes::MAX_Y - is_negative(edge.dx)];
+        return edge.is_inside(x + first, y + first);
+    };
+    auto const find_four = [&](unsigned int const& first) {
+        return (is_entered(ear.ca, first) & is_entered(ear.ab, first) & is_entered(ear.bc, first))
             .get_bits();
-    }
+    };
+    return find_four(0) | find_four(4) << 4;
+}
 
-    BoxEdge m_ca;
-    BoxEdge m_ab;
-    BoxEdge m_bc;
-};
+// The ear whose sides the tests of boxes take where coordinates are not roomy. In a side without dx
+// (or dy), the difference that it is multiplied by may overflow at one point of the box and give
+// NaN, and at another give 0; to begin at 0 gives 0 at all. A side that begins at infinity or NaN
+// stays, and fails all.
+inline EarTriangle make_ear_for_boxes(EarTriangle const& ear) {
+    EarTriangle result = ear;
+    for (EarEdge* const edge : {&result.ab, &result.bc, &result.ca}) {
+        edge->x *= edge->dy == 0.0f ? 0.0f : 1.0f;
+        edge->y *= edge->dx == 0.0f ? 0.0f : 1.0f;
+    }
+    return result;
+}
 
 // The part of the plane outside of which no point can block the ear: its box, grown by a margin
 // that covers the rounding of the three tests. Unlimited where the ear is too thin for that.
@@ -110,32 +105,30 @@ class BoxTriangle {
 // With e the distance of a point from the box, in units of the box's sides X and Y, one of the
 // point's barycentric weights is at most -e / 2, so one of the tests has a true value of at most
 // -e * area. The tests round by less than 8.1 * 2^-24 * X * Y * (1 + e). So the point fails where
-// e / (1 + e) exceeds 16.2 * 2^-24 * X * Y / (2 * area), for which the margin below is enough as
-// long as it is not above 0.12, that is, for 2 * area > 1e-5 * X * Y. The least area keeps
-// underflow out of the reckoning. Overflow of products and of their difference cannot turn a value
-// below zero into one above, that of the coordinates' differences could.
+// e / (1 + e) exceeds 16.2 * 2^-24 * X * Y / (2 * area), for which a margin of 1.2e-6 * X * Y /
+// (2 * area) is enough as long as it is not above 0.12, that is, for 2 * area > 1e-5 * X * Y; the
+// area itself, rounded by less than 8.1 * 2^-24 * X * Y, is then known to a twentieth, which is
+// allowed for. Most ears are fatter and do without the division. The least area keeps underflow out
+// of the reckoning. A bound that is rounded lies beyond the same floats as the true one.
 class EarReach {
   public:
-    // No difference of coordinates up to this magnitude overflows.
-    static constexpr float coordinate_limit = std::numeric_limits<float>::max() / 2;
-
-    // Unlimited.
-    EarReach() = default;
-    // Of an ear among points of which no coordinate but NaN is beyond the limit.
-    EarReach(PlanePoint const& a, PlanePoint const& b, PlanePoint const& c) {
+    // Unlimited unless the points that may block the ear have a roomy range.
+    EarReach(PlanePoint const& a, PlanePoint const& b, PlanePoint const& c, bool const& is_roomy) {
         float const low_x = std::min(std::min(a.x, b.x), c.x);
         float const low_y = std::min(std::min(a.y, b.y), c.y);
         float const high_x = std::max(std::max(a.x, b.x), c.x);
         float const high_y = std::max(std::max(a.y, b.y), c.y);
-        double const box_area = difference(high_x, low_x) * difference(high_y, low_y);
-        double const double_area = difference(b.x, a.x) * difference(c.y, a.y) -
-                                   difference(b.y, a.y) * difference(c.x, a.x);
-        if (double_area > 1e-5 * box_area && double_area > 1e-30) {
-            float const margin = static_cast<float>(1.2e-6 * box_area / double_area);
-            m_min_x = low_x - margin * (high_x - low_x);
-            m_max_x = high_x + margin * (high_x - low_x);
-            m_min_y = low_y - margin * (high_y - low_y);
-            m_max_y = high_y + margin * (high_y - low_y);
+        float const width = high_x - low_x;
+        float const height = high_y - low_y;
+        float const box_area = width * height;
+        float const double_area = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+        if (is_roomy && double_area > 1e-5f * box_area && double_area > 1e-30f) {
+            float const margin =
+                double_area > 1e-3f * box_area ? 1.2e-3f : 1.2e-6f * box_area / double_area;
+            m_min_x = low_x - margin * width;
+            m_max_x = high_x + margin * width;
+            m_min_y = low_y - margin * height;
+            m_max_y = high_y + margin * height;
         }
     }
 
@@ -144,16 +137,23 @@ class EarReach {
         return find_four(boxes, 0) | find_four(boxes, 4) << 4;
     }
 
+    // Bit k: the point (x[k], y[k]) is within reach.
+    unsigned int find_met_points(float const* x, float const* y) const {
+        return find_four_points(x, y) | find_four_points(x + 4, y + 4) << 4;
+    }
+
   private:
-    static double difference(float const& a, float const& b) {
-        return static_cast<double>(a) - static_cast<double>(b);
+    unsigned int find_four_points(float const* x, float const* y) const {
+        return ((FloatLanes(m_max_x) >= FloatLanes(x)) & (FloatLanes(x) >= FloatLanes(m_min_x)) &
+                (FloatLanes(m_max_y) >= FloatLanes(y)) & (FloatLanes(y) >= FloatLanes(m_min_y)))
+            .get_bits();
     }
 
     unsigned int find_four(CornerBoxes const& boxes, unsigned int const& first) const {
-        return ((FloatLanes(m_max_x) >= FloatLanes(boxes.min_x + first)) &
-                (FloatLanes(boxes.max_x + first) >= FloatLanes(m_min_x)) &
-                (FloatLanes(m_max_y) >= FloatLanes(boxes.min_y + first)) &
-                (FloatLanes(boxes.max_y + first) >= FloatLanes(m_min_y)))
+        return ((FloatLanes(m_max_x) >= FloatLanes(boxes.bounds[CornerBoxes::MIN_X] + first)) &
+                (FloatLanes(boxes.bounds[CornerBoxes::MAX_X] + first) >= FloatLanes(m_min_x)) &
+                (FloatLanes(m_max_y) >= FloatLanes(boxes.bounds[CornerBoxes::MIN_Y] + first)) &
+                (FloatLanes(boxes.bounds[CornerBoxes::MAX_Y] + first) >= FloatLanes(m_min_y)))
             .get_bits();
     }
 

@@ -22,6 +22,10 @@ struct CornerSet {
 
     static CornerSet make_single(unsigned int const& corner) {
         CornerSet set;
+        if constexpr (word_count == 1) {
+            set.words[0] = 1ull << corner;
+            return set;
+        }
         for (unsigned int k = 0; k < word_count; ++k) {
             set.words[k] = corner / 64 == k ? 1ull << (corner % 64) : 0ull;
         }
@@ -52,9 +56,12 @@ struct CornerSet {
         return set;
     }
 
-    // The eight members from 8 * group on, as bits.
-    unsigned int get_group(unsigned int const& group) const {
-        return static_cast<unsigned int>(words[group / 8] >> (8 * (group % 8)) & 0xFF);
+    bool is_empty() const {
+        std::uint64_t members = 0;
+        for (std::uint64_t const word : words) {
+            members |= word;
+        }
+        return members == 0;
     }
 
     // Moves `at` on to the next member, itself included, going round; false for the empty set.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cmath>
 
 namespace {
 
@@ -15,7 +14,8 @@ constexpr unsigned int max_top_count = 4;
 // Enough to tell all levels of nodes apart.
 constexpr unsigned int level_bits = 4;
 
-constexpr float free_slot = std::numeric_limits<float>::quiet_NaN();
+constexpr PlanePoint free_slot = {std::numeric_limits<float>::quiet_NaN(),
+                                  std::numeric_limits<float>::quiet_NaN()};
 
 constexpr std::size_t get_group_count(std::size_t const& count) {
     return (count + fan_out - 1) / fan_out;
@@ -37,7 +37,7 @@ std::size_t CornerTree::get_scratch_size(std::size_t const& count) {
     std::size_t const leaf_count = get_group_count(count);
     std::size_t const slot_count = leaf_count * fan_out;
     std::size_t const node_count = get_node_count(leaf_count);
-    return 2 * ScratchBlock::get_size<float>(slot_count) +
+    return ScratchBlock::get_size<Leaf>(leaf_count) +
            ScratchBlock::get_size<unsigned int>(slot_count) +
            ScratchBlock::get_size<unsigned int>(count) +
            ScratchBlock::get_size<unsigned char>(leaf_count) +
@@ -52,8 +52,7 @@ void CornerTree::build(PlanePoint const* points, unsigned int const* indices,
     m_count = count;
     std::size_t const leaf_count = get_group_count(m_count);
     std::size_t const node_count = get_node_count(leaf_count);
-    m_x = scratch.take<float>(leaf_count * fan_out);
-    m_y = scratch.take<float>(leaf_count * fan_out);
+    m_leaves = scratch.take<Leaf>(leaf_count);
     m_uses = scratch.take<unsigned int>(leaf_count * fan_out);
     m_slots = scratch.take<unsigned int>(m_count);
     m_leaf_sizes = scratch.take<unsigned char>(leaf_count);
@@ -69,17 +68,17 @@ void CornerTree::build(PlanePoint const* points, unsigned int const* indices,
 
 // Lists the corners that can block an ear, and returns how many there are.
 unsigned int CornerTree::place_corners(PlacedCorner* placed) {
+    CoordinateRange range;
     unsigned int placed_count = 0;
     for (unsigned int i = 0; i < m_count; ++i) {
         PlanePoint const& p = m_points[i];
-        // A NaN compares false.
-        m_is_reach_known = m_is_reach_known && !(std::fabs(p.x) > EarReach::coordinate_limit) &&
-                           !(std::fabs(p.y) > EarReach::coordinate_limit);
+        range.include(p);
         m_slots[i] = no_slot;
         if (is_finite(p)) {
             placed[placed_count++] = {0, i};
         }
     }
+    m_is_roomy = range.is_roomy();
     return placed_count;
 }
 
@@ -89,8 +88,7 @@ void CornerTree::fill_slots(PlacedCorner const* placed, unsigned int const& plac
     for (unsigned int i = 0; i < placed_count; ++i) {
         unsigned int const corner = placed[i].corner;
         if (i == 0 || indices[corner] != indices[placed[i - 1].corner]) {
-            m_x[count] = m_points[corner].x;
-            m_y[count] = m_points[corner].y;
+            set_slot_point(count, m_points[corner]);
             m_uses[count] = 0;
             ++count;
         }
@@ -99,8 +97,7 @@ void CornerTree::fill_slots(PlacedCorner const* placed, unsigned int const& plac
     }
     m_slot_count = count;
     for (unsigned int slot = count; slot % fan_out != 0; ++slot) {
-        m_x[slot] = free_slot;
-        m_y[slot] = free_slot;
+        set_slot_point(slot, free_slot);
     }
     m_leaf_count = static_cast<unsigned int>(get_group_count(count));
     for (unsigned int leaf = 0; leaf < m_leaf_count; ++leaf) {
@@ -135,7 +132,7 @@ void CornerTree::fill_node_level(unsigned int const& level, unsigned int const& 
         if (level == 0) {
             unsigned int const end = std::min(m_slot_count - child * fan_out, fan_out);
             for (unsigned int j = 0; j < end; ++j) {
-                boxes.include(k, {m_x[child * fan_out + j], m_y[child * fan_out + j]});
+                boxes.include(k, get_slot_point(child * fan_out + j));
             }
         } else {
             CornerBoxes const& inner = m_nodes[m_level_begins[level - 1] + child];
@@ -155,7 +152,7 @@ unsigned int CornerTree::remove(unsigned int const& corner) {
     if (slot == no_slot || --m_uses[slot] != 0) {
         return no_slot;
     }
-    m_x[slot] = free_slot;
+    set_slot_point(slot, free_slot);
     unsigned int child = slot / fan_out;
     if (--m_leaf_sizes[child] != 0) {
         return slot;
@@ -171,32 +168,45 @@ unsigned int CornerTree::remove(unsigned int const& corner) {
     return slot;
 }
 
-struct CornerTree::Ear {
-    EarTriangle triangle;
-    BoxTriangle box_triangle;
-    EarReach reach;
-    unsigned int slots[3];
-
-    // Vertices that are the same have the same slot.
-    bool has_slot(unsigned int const& slot) const {
-        return slot == slots[0] || slot == slots[1] || slot == slots[2];
-    }
+class CornerTree::Ear {
+  public:
+    Ear(CornerTree const& tree, unsigned int const& a, unsigned int const& b, unsigned int const& c)
+        : m_triangle(tree.m_points[a], tree.m_points[b], tree.m_points[c]),
+          m_reach(tree.m_points[a], tree.m_points[b], tree.m_points[c], tree.m_is_roomy),
+          m_is_roomy(tree.m_is_roomy),
+          m_slots{tree.m_slots[a], tree.m_slots[b], tree.m_slots[c]} {}
 
     unsigned int find_boxes(CornerBoxes const& boxes) const {
-        unsigned int const met = reach.find_met_boxes(boxes);
+        unsigned int const met = m_reach.find_met_boxes(boxes);
         // A single box is entered at once: looking into it costs no more than the finer test.
-        return (met & (met - 1)) == 0 ? met : met & box_triangle.find_entered(boxes);
+        if ((met & (met - 1)) == 0) {
+            return met;
+        }
+        return met & (m_is_roomy ? find_entered_boxes(m_triangle, boxes)
+                                 : find_entered_boxes(make_ear_for_boxes(m_triangle), boxes));
     }
+
+    // The places in a leaf, as bits, of vertices within reach that are not the ear's own.
+    unsigned int find_met_places(unsigned int const& leaf, float const* x, float const* y) const {
+        unsigned int own = 0;
+        for (unsigned int const slot : m_slots) {
+            own |= slot / fan_out == leaf ? 1u << (slot % fan_out) : 0u;
+        }
+        return m_reach.find_met_points(x, y) & ~own;
+    }
+
+    bool contains(PlanePoint const& p) const { return m_triangle.contains(p); }
+
+  private:
+    EarTriangle m_triangle;
+    EarReach m_reach;
+    bool m_is_roomy;
+    unsigned int m_slots[3];  // of its own vertices
 };
 
 unsigned int CornerTree::find_blocker(unsigned int const& a, unsigned int const& b,
                                       unsigned int const& c) const {
-    EarTriangle const triangle(m_points[a], m_points[b], m_points[c]);
-    Ear const ear = {triangle,
-                     BoxTriangle(triangle),
-                     m_is_reach_known ? EarReach(m_points[a], m_points[b], m_points[c])
-                                      : EarReach(),
-                     {m_slots[a], m_slots[b], m_slots[c]}};
+    Ear const ear(*this, a, b, c);
     // Nodes to look into, each one word: its number within its level, then its level. Two words
     // written one after the other and read back at once would stall.
     unsigned int pending[max_level_count * fan_out + max_top_count];
@@ -227,10 +237,10 @@ unsigned int CornerTree::find_blocker(unsigned int const& a, unsigned int const&
 
 unsigned int CornerTree::find_in_leaf(Ear const& ear, unsigned int const& leaf) const {
     unsigned int const first = leaf * fan_out;
-    unsigned int hits = ear.triangle.find_contained(m_x + first, m_y + first);
-    for (; hits != 0; hits &= hits - 1) {
-        unsigned int const slot = first + static_cast<unsigned int>(std::countr_zero(hits));
-        if (!ear.has_slot(slot)) {
+    unsigned int places = ear.find_met_places(leaf, m_leaves[leaf].x, m_leaves[leaf].y);
+    for (; places != 0; places &= places - 1) {
+        unsigned int const slot = first + static_cast<unsigned int>(std::countr_zero(places));
+        if (ear.contains(get_slot_point(slot))) {
             return slot;
         }
     }
@@ -240,5 +250,16 @@ unsigned int CornerTree::find_in_leaf(Ear const& ear, unsigned int const& leaf) 
 bool CornerTree::is_blocker(unsigned int const& slot, unsigned int const& a, unsigned int const& b,
                             unsigned int const& c) const {
     return slot != m_slots[a] && slot != m_slots[b] && slot != m_slots[c] &&
-           EarTriangle(m_points[a], m_points[b], m_points[c]).contains({m_x[slot], m_y[slot]});
+           EarTriangle(m_points[a], m_points[b], m_points[c]).contains(get_slot_point(slot));
+}
+
+PlanePoint CornerTree::get_slot_point(unsigned int const& slot) const {
+    Leaf const& leaf = m_leaves[slot / fan_out];
+    return {leaf.x[slot % fan_out], leaf.y[slot % fan_out]};
+}
+
+void CornerTree::set_slot_point(unsigned int const& slot, PlanePoint const& p) {
+    Leaf& leaf = m_leaves[slot / fan_out];
+    leaf.x[slot % fan_out] = p.x;
+    leaf.y[slot % fan_out] = p.y;
 }

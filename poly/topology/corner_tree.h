@@ -37,7 +37,13 @@ class CornerTree {
                     unsigned int const& c) const;
 
   private:
-    struct Ear;
+    class Ear;
+
+    // NaN in free slots, which no ear contains.
+    struct Leaf {
+        float x[lane_group_size];
+        float y[lane_group_size];
+    };
 
     unsigned int place_corners(PlacedCorner* placed);
     void fill_slots(PlacedCorner const* placed, unsigned int const& placed_count,
@@ -45,18 +51,19 @@ class CornerTree {
     void fill_nodes();
     void fill_node_level(unsigned int const& level, unsigned int const& child_count);
     unsigned int find_in_leaf(Ear const& ear, unsigned int const& leaf) const;
+    PlanePoint get_slot_point(unsigned int const& slot) const;
+    void set_slot_point(unsigned int const& slot, PlanePoint const& p);
 
     // Leaves for 2^32 corners need this many levels of nodes, the highest of four.
     static constexpr unsigned int max_level_count = 9;
 
     PlanePoint const* m_points = nullptr;
     unsigned int m_count = 0;
-    bool m_is_reach_known = true;  // no coordinate is beyond the limit
+    bool m_is_roomy = true;  // see CoordinateRange
 
-    // By slot, the vertices' place along the curve; the last leaf is filled up.
-    float* m_x = nullptr;  // NaN in free slots, which no ear contains
-    float* m_y = nullptr;
-    unsigned int* m_uses = nullptr;   // corners left
+    // A slot is a vertex' place along the curve; the last leaf is filled up.
+    Leaf* m_leaves = nullptr;
+    unsigned int* m_uses = nullptr;   // by slot: corners left
     unsigned int* m_slots = nullptr;  // by corner; no_slot if it is not finite
     unsigned int m_slot_count = 0;
 

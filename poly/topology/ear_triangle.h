@@ -56,15 +56,4 @@ struct EarTriangle {
     bool contains(PlanePoint const& p) const {
         return ca.is_inside(p) && ab.is_inside(p) && bc.is_inside(p);
     }
-
-    // Bit k: contains the point (x[k], y[k]), for the lane_group_size points at `x` and `y`.
-    unsigned int find_contained(float const* x, float const* y) const {
-        auto const low = ca.is_inside(x, y);
-        auto const high = ca.is_inside(x + 4, y + 4);
-        if ((low.get_bits() | high.get_bits()) == 0) {
-            return 0;
-        }
-        return (low & ab.is_inside(x, y) & bc.is_inside(x, y)).get_bits() |
-               (high & ab.is_inside(x + 4, y + 4) & bc.is_inside(x + 4, y + 4)).get_bits() << 4;
-    }
 };

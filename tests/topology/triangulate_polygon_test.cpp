@@ -234,6 +234,11 @@ TEST(TriangulatePolygon, CutsLargePolygons) {
                 << row.name;
         }
     }
+    Polygon winding = {{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {}};
+    for (unsigned int i = 0; i < 100000; ++i) {
+        winding.indices.push_back(i % 3);
+    }
+    EXPECT_EQ(triangulate(winding).size(), 99999u);
 }
 
 }  // namespace
