@@ -1,4 +1,5 @@
 #include <tests/log_capture.h>
+#include <tests/mesh/mesh_blocks.h>
 #include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
@@ -8,13 +9,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <random>
 
 namespace {
-
-using Bytes = std::vector<unsigned char>;
 
 char const* const wrong_size = "2 PolyMesh.deserialize: Wrong serialization size.\n";
 char const* const mismatch = "2 PolyMesh.deserialize: Serialization size mismatch.\n";
@@ -36,22 +34,10 @@ bool deserialize(PolyMesh& mesh, Bytes const& bytes) {
     return mesh.deserialize(block.get(), bytes.size());
 }
 
-void set_word(Bytes& bytes, std::size_t const& word, unsigned int const& value) {
-    std::memcpy(bytes.data() + 4 * word, &value, 4);
-}
-
 Numbers get_words(Bytes const& bytes) {
     Numbers words(bytes.size() / 4);
     std::memcpy(words.data(), bytes.data(), bytes.size());
     return words;
-}
-
-// A block of one point's bits per position, and its size in front.
-Bytes make_block(Numbers const& words) {
-    Bytes bytes(4 * words.size() + 4);
-    std::memcpy(bytes.data() + 4, words.data(), 4 * words.size());
-    set_word(bytes, 0, static_cast<unsigned int>(bytes.size()));
-    return bytes;
 }
 
 }  // namespace
@@ -117,36 +103,14 @@ TEST(MeshBlock, MakesAKeyOfItsOwn) {
 }
 
 TEST(MeshBlock, IsReadAsFarAsItIsSound) {
-    // Two points, no velocities, five corners, polygons of 0 to 2 corners.
-    Numbers const words{2, 0, 0, 0, 0, 0, 0, 0, 5, 0, 1, 0, 1, 0, 3, 0, 2, 1};
-    struct Row {
-        char const* name;
-        std::function<void(Numbers&)> change;
-        bool is_accepted;
-    };
-    Row const rows[] = {
-        {"as it is", [](Numbers&) {}, true},
-        {"trailing bytes", [](Numbers& w) { w.insert(w.end(), 3, 9); }, true},
-        {"a triangle of two points", [](Numbers& w) { w[16] = 3; }, true},
-        {"more than all corners", [](Numbers& w) { w[17] = 4; }, false},
-        {"sum of counts beyond 32 bits", [](Numbers& w) { w[15] = w[16] = 0x80000000; }, false},
-        {"vertex past the end", [](Numbers& w) { w[13] = 2; }, false},
-        {"too many points", [](Numbers& w) { w[0] = 0x15555556; }, false},  // 12 N wraps to 8
-        {"too many velocities", [](Numbers& w) { w[7] = 0xFFFFFFFF; }, false},
-        {"too many corners", [](Numbers& w) { w[8] = 0x40000005; }, false},
-        {"too many polygons", [](Numbers& w) { w[14] = 4; }, false},
-        {"no polygon count", [](Numbers& w) { w.resize(14); }, false},
-    };
-    for (Row const& row : rows) {
+    for (MeshBlock const& row : list_mesh_blocks()) {
         SCOPED_TRACE(row.name);
-        Numbers changed = words;
-        row.change(changed);
         PolyMesh mesh;
         make_row().set(mesh);
         PolyMeshTopology const* const topology = &mesh.get_topology();
         Bytes const before = serialize(mesh);
         LogCapture capture(2);
-        EXPECT_EQ(deserialize(mesh, make_block(changed)), row.is_accepted);
+        EXPECT_EQ(deserialize(mesh, row.bytes), row.is_accepted);
         EXPECT_EQ(capture.take(), row.is_accepted ? "" : mismatch);
         EXPECT_EQ(find_broken_invariant(mesh), "");
         EXPECT_EQ(&mesh.get_topology(), topology);

@@ -49,6 +49,11 @@ void make_sphere(std::vector<double> const& values, ToolMesh& mesh) {
     mesh.kind = "procedural sphere";
 }
 
+bool refuse(CoreString const& reason) {
+    CoreLogHandler::get_main().log(2, CoreLogStream() << reason << "\n");
+    return false;
+}
+
 // A byte block begins with its own size.
 bool is_block(CoreString const& path) {
     SysFile file;
@@ -62,12 +67,10 @@ bool is_block(CoreString const& path) {
 
 bool load_block(CoreString const& path, PolyMesh& mesh) {
     SysFile file;
-    if (!file.open(path, SysFile::MODE_READ)) {
-        return false;
-    }
+    file.open(path, SysFile::MODE_READ);
     CoreArray<unsigned char> block(static_cast<unsigned int>(file.get_size()));
-    return file.read(block.get_data(), block.get_count()) == block.get_count() &&
-           mesh.deserialize(block.get_data(), block.get_count());
+    std::size_t const size = file.read(block.get_data(), block.get_count());
+    return file.has_failed() ? refuse(file.get_error()) : mesh.deserialize(block.get_data(), size);
 }
 
 // The one place that tells kinds of file apart, always by their contents.
@@ -79,8 +82,7 @@ bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh
     bool const is_light_wave = Lwo::is_valid(path);
     mesh.kind = mesh.is_block ? "byte block" : is_light_wave ? "LightWave object" : "Wavefront OBJ";
     if (!options.item.empty() && !is_light_wave) {
-        CoreLogHandler::get_main().log(2, CoreLogStream() << "only LightWave objects have items\n");
-        return false;
+        return refuse("only LightWave objects have items");
     }
     if (mesh.is_block) {
         return load_block(path, *mesh.mesh);
