@@ -41,6 +41,8 @@ class ToolMessages {
     // Shows "error: ..." with the library's reason, if it gave one since the last failure, in its
     // place or behind it. Returns `tool_failure`, or `tool_interrupted` after an interrupt.
     int fail(std::string_view const& text);
+    // What the library has refused so far is no reason of failures to come.
+    void forget_reason() { m_reason.clear(); }
 
     std::vector<std::string> const& get_warnings() const { return m_warnings; }
 

@@ -39,6 +39,7 @@ struct MeshReport {
     std::string name;
     unsigned int triangle_count = 0;
     unsigned int unpaired_count = 0;
+    bool is_closed = false;
     bool is_paired_by_position = false;
     std::string skip_reason;  // why no rays were shot; empty: they were
     std::vector<PlaceReport> places;
@@ -83,8 +84,8 @@ void print_result(ToolVerifyPlace const& place, char const* test, ToolVerifyResu
 void print_text(MeshReport const& report) {
     std::printf("%s: %u triangles%s\n", make_printable(report.name).c_str(), report.triangle_count,
                 report.is_paired_by_position ? ", closed by position"
-                : report.unpaired_count == 0 ? ", closed"
-                                             : ", open");
+                : report.is_closed           ? ", closed"
+                                             : "");
     if (report.skip_reason.empty()) {
         std::printf("  per 10 million rays:         rays    misses    parity  silhouettes"
                     "  at vertices:  silhouettes\n");
@@ -138,6 +139,7 @@ ToolJson make_json(MeshReport const& report) {
     return {
         {"name", report.name},
         {"triangles", report.triangle_count},
+        {"closed", report.is_closed},
         {"unpaired_edges", report.unpaired_count},
         {"closed_by_position", report.is_paired_by_position},
         {"no_rays", report.skip_reason.empty() ? ToolJson(nullptr) : ToolJson(report.skip_reason)},
@@ -146,8 +148,8 @@ ToolJson make_json(MeshReport const& report) {
 }
 
 std::string tell_why_no_rays(PolyMesh const& mesh, ToolVerifySurface const& surface) {
-    if (surface.triangles.empty()) {
-        return "nothing to hit";
+    if (!can_be_staged(mesh)) {
+        return "nothing of a size to speak of";
     }
     if (!surface.is_closed()) {
         return make_text("open: ", surface.unpaired_count,
@@ -197,10 +199,10 @@ bool verify_mesh(VerifyOptions const& options, ToolMeshOptions const& mesh_optio
     ToolVerifySurface const surface = make_verify_surface(*mesh.mesh);
     report.triangle_count = static_cast<unsigned int>(surface.triangles.size());
     report.unpaired_count = surface.unpaired_count;
+    report.is_closed = surface.is_closed();
     report.is_paired_by_position = surface.is_paired_by_position;
     report.skip_reason = tell_why_no_rays(*mesh.mesh, surface);
     if (!can_be_staged(*mesh.mesh)) {
-        report.skip_reason = "nothing of a size to speak of";
         return true;
     }
     ToolProgress progress("verifying");
@@ -236,6 +238,7 @@ int run_verify(VerifyOptions const& options, ToolMessages& messages) {
         ToolMeshOptions mesh_options = options.mesh;
         mesh_options.file = options.mesh.files.empty() ? "" : options.mesh.files[i];
         MeshReport report;
+        messages.forget_reason();
         int mesh_status = tool_success;
         if (verify_mesh(options, mesh_options, messages, report, mesh_status)) {
             mesh_status = judge(report, messages);

@@ -12,7 +12,7 @@ namespace {
 using Wide = GMathVec3<double>;
 
 // How many triangles are looked at in search of origins, and how many origins are tried.
-constexpr double work_limit = 3e7;
+constexpr double work_limit = 1e7;
 constexpr double most_tries = 4096;
 constexpr double fewest_tries = 64;
 constexpr double least_distance = 1e-4;  // from the surface, relative to its size
