@@ -2,6 +2,7 @@
 
 #include <platform/qz_app_base.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 #include <vector>

@@ -1,12 +1,11 @@
 #include <tools/qzpoly/renderer.h>
 
+#include <tools/qzpoly/blocks.h>
 #include <tools/qzpoly/ground.h>
 #include <tools/qzpoly/lighting.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <thread>
 
 namespace {
 
@@ -153,43 +152,6 @@ class Renderer {
     ToolLighting m_lighting;
 };
 
-// Hands out the tiles of a picture.
-class Tiles {
-  public:
-    Tiles(unsigned int const& width, unsigned int const& height)
-        : m_width(width),
-          m_height(height),
-          m_columns((width + tile_size - 1) / tile_size),
-          m_count(m_columns * ((height + tile_size - 1) / tile_size)) {}
-
-    unsigned int const& get_count() const { return m_count; }
-    unsigned int get_started_count() const { return std::min(m_next.load(), m_count); }
-    void stop() { m_next.store(m_count); }
-
-    template <typename DrawPixel>
-    bool draw_next(DrawPixel const& draw_pixel) {
-        unsigned int const tile = m_next.fetch_add(1);
-        if (tile >= m_count) {
-            return false;
-        }
-        unsigned int const left = tile % m_columns * tile_size;
-        unsigned int const top = tile / m_columns * tile_size;
-        for (unsigned int y = top; y < std::min(top + tile_size, m_height); ++y) {
-            for (unsigned int x = left; x < std::min(left + tile_size, m_width); ++x) {
-                draw_pixel(x, y);
-            }
-        }
-        return true;
-    }
-
-  private:
-    unsigned int m_width;
-    unsigned int m_height;
-    unsigned int m_columns;
-    unsigned int m_count;
-    std::atomic<unsigned int> m_next{0};
-};
-
 }  // namespace
 
 bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,
@@ -197,30 +159,20 @@ bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSea
             AppProgressBar& progress, ToolImage& image) {
     image = ToolImage(camera.width, camera.height);
     Renderer const renderer(geometry, extent, search, camera, settings);
-    Tiles tiles(camera.width, camera.height);
-    auto const draw_tile = [&](CtxEval const& thread_ctx) {
-        return tiles.draw_next([&](unsigned int const& x, unsigned int const& y) {
-            renderer.draw_pixel(thread_ctx, x, y, image);
-        });
-    };
-    std::vector<std::jthread> helpers;
-    for (unsigned int i = 1; i < settings.thread_count; ++i) {
-        helpers.emplace_back([&] {
-            CtxEval const thread_ctx(ctx.get_shader_ctx());
-            while (draw_tile(thread_ctx)) {
+    unsigned int const columns = (camera.width + tile_size - 1) / tile_size;
+    unsigned int const rows = (camera.height + tile_size - 1) / tile_size;
+    progress.start();
+    bool const is_complete = work_in_blocks(
+        columns * rows, settings.thread_count, progress, [&](unsigned int const& tile) {
+            CtxEval const tile_ctx(ctx.get_shader_ctx());
+            unsigned int const left = tile % columns * tile_size;
+            unsigned int const top = tile / columns * tile_size;
+            for (unsigned int y = top; y < std::min(top + tile_size, camera.height); ++y) {
+                for (unsigned int x = left; x < std::min(left + tile_size, camera.width); ++x) {
+                    renderer.draw_pixel(tile_ctx, x, y, image);
+                }
             }
         });
-    }
-    progress.start();
-    progress.set_step_count(tiles.get_count());
-    while (draw_tile(ctx)) {
-        progress.step(tiles.get_started_count());
-        if (progress.is_stop_requested()) {
-            tiles.stop();
-        }
-    }
-    helpers.clear();  // joins them
-    bool const is_complete = !progress.is_stop_requested();
     progress.finish();
     return is_complete;
 }
