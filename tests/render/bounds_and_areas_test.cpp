@@ -1,4 +1,5 @@
 #include <poly/render/area_estimate.h>
+#include <poly/render/vertex_fetch.h>
 
 #include <tests/shapes.h>
 
@@ -40,6 +41,64 @@ TEST(PrimitiveBounds, FollowTimeAndPassOverWhatIsNoNumber) {
     shape.velocities[0].x = std::numeric_limits<float>::infinity();
     shape.set(mesh);
     EXPECT_EQ(mesh.get_bbox_at(ctx, 1e-7), Box(GMathBbox3<float>::get_inverted()));
+}
+
+// At time 0 the points are at rest.
+struct WavingProvider : GeometrySampleProvider {
+    Points rest;
+    void fill_sample(GMathTimeSampling const&, unsigned int const& sample,
+                     GMathVec3<float>* positions) override {
+        for (GMathVec3<float> const& p : rest) {
+            float const f = 0.37f * (static_cast<float>(sample) - 1);
+            *positions++ = p + GMathVec3<float>(p.y, -p.x, p.x * p.y * f) * f;
+        }
+    }
+};
+
+bool is_within(Box const& box, GMathVec3<float> const& position) {
+    Box grown = box;
+    grown.extend(GMathVec3<double>(position));
+    return grown == box;
+}
+
+// Whatever moves the corners, rays see them within the bounds of the same time.
+TEST(PrimitiveBounds, HoldTheCornersThatRaysSee) {
+    std::vector<double> const samples{-1, 0, 1.5};
+    for (unsigned int seed = 0; seed < 12; ++seed) {
+        SCOPED_TRACE(seed);
+        Shape shape = make_soup(seed);
+        bool const is_deforming = seed % 2 == 1;
+        std::vector<std::vector<double>> const shutters{{0}, {-1, 1.5}, {-0.7, -0.1, 0.2, 0.9}};
+        PolyMesh mesh;
+        shape.set(mesh);
+        if (is_deforming) {
+            auto const provider = std::make_shared<WavingProvider>();
+            provider->rest = shape.positions;
+            GeometryPointCloud cloud(*mesh.get_point_cloud(), true);
+            cloud.set_deformation(GMathTimeSampling(view(samples)), provider);
+            ASSERT_TRUE(mesh.set_point_cloud(cloud, nullptr));
+        }
+        CtxShader const shader{CtxMotionBlur(GMathTimeSampling(view(shutters[seed / 2 % 3])))};
+        CtxEval const ctx(&shader);
+        for (int i = 0; i < 33; ++i) {
+            double const time = (i - 16) * 0.0625;
+            GeometryPositionArray positions;
+            compute_position_blend(mesh.get_point_cloud()->get_data(), time,
+                                   get_shutter_sampling(ctx), positions);
+            for (unsigned int primitive = 0; primitive < mesh.get_primitive_count(); ++primitive) {
+                GMathVec3<float> corners[4];
+                unsigned int const count =
+                    fetch_corner_positions(mesh.get_topology(), primitive, positions, corners);
+                Box box;
+                mesh.compute_primitive_bbox_at(ctx, primitive, time, box);
+                for (unsigned int k = 0; k < count; ++k) {
+                    EXPECT_TRUE(is_within(box, corners[k]));
+                    // With a shutter around it, time 0 is between two samples and not at rest.
+                    EXPECT_TRUE(i == 16 || is_within(mesh.get_bbox_at(ctx, time), corners[k]));
+                }
+            }
+        }
+    }
 }
 
 TEST(AreaEstimate, CountsScaleAlone) {
