@@ -77,15 +77,14 @@ void fill_thread_row(BenchRow& row, std::vector<std::string> const& paths) {
     row.peer(
         "one thread", [=] { import_all(paths, 1, *by_one); }, at_least(1.9));
     row.agree("bytes of the meshes", [=] { return have_same_bytes(*by_two, *by_one); });
-    import_all(paths, 2, *by_two);  // tables and threads' own heaps stay
-    by_two->clear();
-    unsigned long long const start = get_resident_size();
-    for (unsigned int i = 0; i < 4; ++i) {
-        import_all(paths, 2, *by_two);
-        by_two->clear();
-    }
-    double const left = static_cast<double>(get_resident_size()) - static_cast<double>(start);
-    row.number("MiB left after 4 times", left / 0x1p20, at_most(1));
+    long long const left = measure_in_child([&] {
+        for (unsigned int i = 0; i < 4; ++i) {
+            Meshes meshes;
+            import_all(paths, 2, meshes);
+        }
+        return nullptr;
+    });
+    row.number("MiB left after 4 times", static_cast<double>(left) / 0x1p20, at_most(1));
 }
 
 }  // namespace

@@ -7,18 +7,18 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-unsigned long long get_resident_size() {
+long long get_resident_size() {
     malloc_trim(0);
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
         if (line.starts_with("RssAnon:")) {
-            return std::stoull(line.substr(8)) * 1024;
+            return std::stoll(line.substr(8)) * 1024;
         }
     }
     return 0;
 }
 
-unsigned long long measure_in_child(std::function<std::shared_ptr<void>()> const& build) {
+long long measure_in_child(std::function<std::shared_ptr<void>()> const& build) {
     int ends[2];
     if (pipe(ends) != 0) {
         return 0;
@@ -27,13 +27,13 @@ unsigned long long measure_in_child(std::function<std::shared_ptr<void>()> const
     if (child == 0) {
         mallopt(M_MMAP_THRESHOLD, 1 << 17);  // as set, so that it does not rise with use
         build();                             // what is made on first use is no part of it
-        unsigned long long const before = get_resident_size();
+        long long const before = get_resident_size();
         std::shared_ptr<void> const kept = build();
-        unsigned long long const growth = get_resident_size() - before;
+        long long const growth = get_resident_size() - before;
         _exit(write(ends[1], &growth, sizeof growth) == sizeof growth ? 0 : 1);
     }
     close(ends[1]);
-    unsigned long long growth = 0;
+    long long growth = 0;
     if (read(ends[0], &growth, sizeof growth) != sizeof growth) {
         growth = 0;
     }
