@@ -2,9 +2,9 @@
 
 #include <platform/qz_sys/export.h>
 
-#include <mutex>
+#include <atomic>
 
-// A mutual exclusion lock. Neither copyable nor recursive.
+// A mutual exclusion lock of one word, on every system. Neither copyable nor recursive.
 class QZ_SYS_EXPORT SysThreadLock {
   public:
     SysThreadLock() = default;
@@ -18,5 +18,7 @@ class QZ_SYS_EXPORT SysThreadLock {
     void unlock();
 
   private:
-    std::mutex m_mutex;
+    enum State : unsigned int { FREE, TAKEN, AWAITED };
+
+    std::atomic<State> m_state{FREE};
 };

@@ -4,6 +4,8 @@
 
 #include <filesystem>
 #include <string>
+#include <thread>
+#include <vector>
 
 TEST(SysFile, WritesAndReadsBack) {
     std::string const name = testing::TempDir() + "qz_sys_\xC3\xA4.bin";
@@ -48,4 +50,27 @@ TEST(SysFile, RefusesWhatIsNoFile) {
         }
         EXPECT_EQ(SysFilesystem::file_exists(row.path), row.exists) << row.path.get_data();
     }
+}
+
+TEST(SysThreadLock, LetsOneThreadIn) {
+    constexpr unsigned int thread_count = 8;
+    constexpr unsigned int round_count = 5000;
+    SysThreadLock lock;
+    unsigned int count = 0;
+    std::vector<std::thread> threads;
+    for (unsigned int thread = 0; thread < thread_count; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (unsigned int round = 0; round < round_count; ++round) {
+                lock.lock(thread % 2);
+                if (++count % 16 == 0) {
+                    std::this_thread::yield();  // makes others wait
+                }
+                lock.unlock();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(count, thread_count * round_count);
 }
