@@ -27,7 +27,7 @@ TEST(Verify, TellsTightMeshesFromLeakyOnes) {
         char const* errors;
     };
     std::vector<Row> const rows = {
-        {{cube, "--rays", "5000"}, 0, "cube: 12 triangles, closed\n", ""},
+        {{cube, "--rays", "5000", "--near"}, 0, "cube: 12 triangles, closed\n", ""},
         {{folder.write("hole.obj", make_cube("2", true)), cube, "--rays", "9"},
          0,
          "open: 4 edges",

@@ -25,6 +25,7 @@ constexpr ToolVerifyPlace places[] = {
 struct VerifyOptions {
     ToolMeshOptions mesh;
     ToolVerifySettings settings;
+    bool is_near_only = false;
     bool is_json = false;
 };
 
@@ -208,6 +209,9 @@ bool verify_mesh(VerifyOptions const& options, ToolMeshOptions const& mesh_optio
     ToolProgress progress("verifying");
     progress.get_bar().start();
     for (ToolVerifyPlace const& place : places) {
+        if (place.is_far && options.is_near_only) {
+            continue;
+        }
         progress.get_bar().begin_task(place.name, 1.0f / std::size(places), false);
         report.places.push_back({place, 0, 0, {}});
         if (!verify_place(*mesh.mesh, surface, options.settings, report.skip_reason.empty(),
@@ -271,6 +275,7 @@ void add_verify_command(CLI::App& app, ToolSession& session) {
         ->capture_default_str();
     command->add_option("--threads", options->settings.thread_count, "Threads [all cores]")
         ->check(CLI::Range(1u, 1024u));
+    command->add_flag("--near", options->is_near_only, "Near the origin alone");
     command->add_flag("--json", options->is_json, "As JSON, with the first rays at fault");
     command->callback(
         [options, &session] { session.status = run_verify(*options, session.messages); });

@@ -11,14 +11,13 @@ namespace {
 using Wide = GMathVec3<double>;
 
 constexpr unsigned int block_size = 4000;  // rays
-constexpr unsigned int most_tries = 16;    // to find a target on which rays can be told apart
+constexpr unsigned int most_tries = 64;    // to find a target on which rays can be told apart
 constexpr std::ptrdiff_t most_faults = 4;  // of a kind that are kept
 
 constexpr double float_step = 0x1p-23;       // relative
 constexpr double edge_end_share = 0.01;      // of an edge, at either end, that is not aimed at
 constexpr double edge_end_steps = 100;       // the same in float steps
 constexpr double aim_steps = 8;              // how far from its target a ray arrives
-constexpr double equal_steps = 64;           // between distances that count as equal
 constexpr double least_cosine = 0.01;        // between a ray and the normal of a face
 constexpr double least_origin_radius = 1.1;  // in units of the surface's; the largest is 8 times it
 
@@ -71,7 +70,7 @@ class Shooter {
     bool is_aimed_at(Shot const& shot, Face const& face) const;
     bool arrives(Shot const& shot, CoreArray<GeometryHit> const& hits) const;
     bool is_silhouette(Shot const& shot) const;
-    std::size_t count_crossings(Shot const& shot, CoreArray<GeometryHit> const& hits) const;
+    unsigned int count_crossings(Shot const& shot, CoreArray<GeometryHit> const& hits) const;
 
     ToolVerifyStage const& m_stage;
     ToolVerifySurface const& m_surface;
@@ -82,6 +81,9 @@ class Shooter {
     Wide m_center;
     double m_radius;
 };
+
+// Between floats of this size.
+double get_float_step(double const& value) { return std::ldexp(1.0, std::ilogb(value) - 23); }
 
 // Keeps the first few of each kind.
 void add_fault(ToolVerifyFault const& fault, ToolVerifyResult& result) {
@@ -124,7 +126,7 @@ bool Shooter::choose_target(GeometryPositionArray const& positions, Wide const& 
         double const reach =
             std::max({m_stage.get_reach(), gmath_length(a - origin), gmath_length(b - origin)});
         double const margin =
-            std::max(edge_end_share, edge_end_steps * float_step * reach / gmath_length(b - a));
+            std::max(edge_end_share, edge_end_steps * get_float_step(reach) / gmath_length(b - a));
         shot.target = a + (b - a) * random.get_number(margin, 1 - margin);
         shot.triangles.assign(edge.triangles, edge.triangles + 2);
         return margin < 0.5;
@@ -172,10 +174,12 @@ Face Shooter::get_face(Shot const& shot, unsigned int const& triangle) const {
     return face;
 }
 
-// Whether the ray's own rounding may take it there.
+// Whether the ray's own rounding may take it there, or that of the test: either moves the ray
+// sideways, and so further along a face that is seen at a low angle.
 bool Shooter::is_aimed_at(Shot const& shot, Face const& face) const {
     double const length = gmath_length(shot.target - shot.ray.ray.get_origin());
-    return compute_distance(shot.target, face.corners) <= aim_steps * float_step * length;
+    double const cosine = std::max(std::abs(face.cosine), least_cosine);
+    return compute_distance(shot.target, face.corners) * cosine <= aim_steps * float_step * length;
 }
 
 // Whether something is hit where the ray was aimed: a triangle that has the target, or a neighbour
@@ -212,31 +216,28 @@ bool Shooter::is_silhouette(Shot const& shot) const {
     return is_edge_seen || (is_front_seen && is_back_seen);
 }
 
-// Hits at equal distance count once: those of triangles that turn the same side to the ray, at
-// distances that rounding alone can have made different. Of a surface that is met from the other
-// side in between, both count.
-std::size_t Shooter::count_crossings(Shot const& shot, CoreArray<GeometryHit> const& hits) const {
+// Hits at equal distance count once. Those are the hits of neighbours that turn the same side to
+// the ray: such lie on either side of their edge as the ray sees it, so that it must be the edge
+// what it hits. Rounding gives them different distances.
+unsigned int Shooter::count_crossings(Shot const& shot, CoreArray<GeometryHit> const& hits) const {
     struct Crossing {
-        double distance;
-        double cosine;
+        ToolTriangle const* triangle;
+        bool is_front;
     };
     std::vector<Crossing> crossings;
     for (GeometryHit const& hit : hits) {
         // The second half of a quad is where t is larger.
         unsigned int const* const first = &m_surface.first_triangles[hit.primitive_index];
-        unsigned int const triangle = hit.t > hit.s ? first[1] - 1 : first[0];
-        crossings.push_back({hit.distance, get_face(shot, triangle).cosine});
+        unsigned int const number = hit.t > hit.s ? first[1] - 1 : first[0];
+        Crossing const crossing = {&m_surface.triangles[number], get_face(shot, number).cosine < 0};
+        if (std::none_of(crossings.begin(), crossings.end(), [&](Crossing const& other) {
+                return other.is_front == crossing.is_front &&
+                       m_surface.are_neighbours(*other.triangle, *crossing.triangle);
+            })) {
+            crossings.push_back(crossing);
+        }
     }
-    std::sort(crossings.begin(), crossings.end(),
-              [](Crossing const& a, Crossing const& b) { return a.distance < b.distance; });
-    auto const is_equal = [](Crossing const& a, Crossing const& b) {
-        double const cosine =
-            std::max(least_cosine, std::min(std::abs(a.cosine), std::abs(b.cosine)));
-        return (a.cosine < 0) == (b.cosine < 0) &&
-               b.distance - a.distance <= equal_steps * float_step * b.distance / cosine;
-    };
-    return static_cast<std::size_t>(std::unique(crossings.begin(), crossings.end(), is_equal) -
-                                    crossings.begin());
+    return static_cast<unsigned int>(crossings.size());
 }
 
 ToolVerifyTally Shooter::judge(Shot const& shot, CoreArray<GeometryHit> const& hits) const {

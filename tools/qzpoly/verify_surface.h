@@ -2,6 +2,7 @@
 
 #include <poly/mesh/poly_mesh.h>
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -33,6 +34,14 @@ struct ToolVerifySurface {
     std::span<unsigned int const> get_fan(unsigned int const& vertex) const {
         unsigned int const* const range = &fan_offsets[fans[vertex]];
         return {fan_triangles.data() + range[0], fan_triangles.data() + range[1]};
+    }
+    // Whether they have two points in common; true of a triangle and itself.
+    bool are_neighbours(ToolTriangle const& a, ToolTriangle const& b) const {
+        auto const is_common = [&](unsigned int const& v) {
+            return fans[v] == fans[b.vertices[0]] || fans[v] == fans[b.vertices[1]] ||
+                   fans[v] == fans[b.vertices[2]];
+        };
+        return std::count_if(std::begin(a.vertices), std::end(a.vertices), is_common) >= 2;
     }
     bool is_closed() const { return unpaired_count == 0 && !triangles.empty(); }
 };
