@@ -11,7 +11,8 @@ namespace {
 std::atomic<unsigned int> allocation_count{0};
 }  // namespace
 
-// All memory of the program comes through here, that of libraries too.
+// All memory of the program comes through here, that of libraries too, which must see it.
+#pragma GCC visibility push(default)
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -30,6 +31,7 @@ void* realloc(void* block, std::size_t size) noexcept {
     return __libc_realloc(block, size);
 }
 }
+#pragma GCC visibility pop
 
 namespace {
 
