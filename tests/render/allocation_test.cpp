@@ -13,6 +13,7 @@ std::atomic<unsigned int> allocation_count{0};
 
 // All memory of the program comes through here, that of libraries too, which must see it.
 #pragma GCC visibility push(default)
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the system has no names
 extern "C" {
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
@@ -31,6 +32,7 @@ void* realloc(void* block, std::size_t size) noexcept {
     return __libc_realloc(block, size);
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 #pragma GCC visibility pop
 
 namespace {
