@@ -20,7 +20,8 @@ std::vector<GeometryRay> make_camera_rays(BenchMesh const& mesh, unsigned int co
     std::vector<GeometryRay> rays;
     for (unsigned int i = 0; i < size * size; ++i) {  // in tiles of 4 x 2
         unsigned int const tile = i / 8, tiles = size / 4;
-        double const x = tile % tiles * 4 + i % 4 + 0.5, y = tile / tiles * 2 + i % 8 / 4 + 0.5;
+        unsigned int const column = tile % tiles * 4 + i % 4, line = tile / tiles * 2 + i % 8 / 4;
+        double const x = column + 0.5, y = line + 0.5;
         Vec const target =
             centre + right * ((2 * x / size - 1) * radius) + up * ((2 * y / size - 1) * radius);
         GeometryRay ray;

@@ -107,7 +107,7 @@ void add_lwo_rows(Bench& bench, BenchInputs& inputs) {
     bench.add("lwo/terrain",
               [&inputs](BenchRow& row) { fill_row(row, inputs.get_lwo(), at_least(10)); });
     for (char const* const name :
-         {"bil-lwo2-ngon2", "bil-lwo2-box3-uv-layers", "assimp-ModoExport_vertNormals"}) {
+         {"bil-lwo2-ngon2", "assimp-UglyVertexColors", "bil-lwo2-box3-uv-layers"}) {
         std::string const path = inputs.get_models() + "/lwo/" + name + ".lwo";
         if (std::filesystem::exists(path)) {
             bench.add(std::string("lwo/") + name,

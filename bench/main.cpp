@@ -83,6 +83,9 @@ int main(int argc, char** argv) {
     std::vector<BenchRecord> records;
     if (!options.is_list) {
         print_header();
+        if (!inputs.has("bunny")) {
+            std::printf("no models in QZ_POLY_MODELS: their rows are left out\n");
+        }
     }
     for (std::string const& name : bench.get_names()) {
         if (!is_wanted(name, options.names)) {

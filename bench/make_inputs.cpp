@@ -146,8 +146,8 @@ std::string make_lwo(BenchMesh const& mesh, std::string const& path) {
             if (i % 10 == 0) {
                 by_corner.index(mesh.corners[corner]);
                 by_corner.index(i);
-                by_corner.big_endian(static_cast<float>(k % 2));
-                by_corner.big_endian(static_cast<float>(k / 2));
+                by_corner.big_endian(k % 2 == 0 ? 0.0f : 1.0f);
+                by_corner.big_endian(k < 2 ? 0.0f : 1.0f);
             }
         }
         surfaces.index(i);

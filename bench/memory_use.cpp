@@ -28,8 +28,9 @@ long long measure_in_child(std::function<std::shared_ptr<void>()> const& build) 
         mallopt(M_MMAP_THRESHOLD, 1 << 17);  // as set, so that it does not rise with use
         build();                             // what is made on first use is no part of it
         long long const before = get_resident_size();
-        std::shared_ptr<void> const kept = build();
+        std::shared_ptr<void> kept = build();
         long long const growth = get_resident_size() - before;
+        kept.reset();
         _exit(write(ends[1], &growth, sizeof growth) == sizeof growth ? 0 : 1);
     }
     close(ends[1]);
