@@ -73,6 +73,7 @@ TEST(Commands, FaultsTellTheirReason) {
         {{"render", block, "--size", "0", "9"}, 2, "--size"},
         {{"render", block, "--sphere", "3", "3"}, 2, "excludes"},
         {{"info"}, 2, "FILE"},
+        {{"info", ""}, 2, "FILE: no name"},
         {{"info", folder.get_path("none.obj")}, 1, "not found"},
         {{"render", broken}, 1, "line 2"},
         {{"render", block, "--uv-map", "3"}, 2, "has 0"},

@@ -109,6 +109,7 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
     CLI::Option* const file = need == ToolFileNeed::SEVERAL
                                   ? command.add_option("FILE", options.files, meaning)
                                   : command.add_option("FILE", options.file, meaning);
+    file->check([](std::string const& name) { return std::string(name.empty() ? "no name" : ""); });
     command
         .add_option("--item", options.item, "The layers of this name of a LightWave object [all]")
         ->type_name("NAME");

@@ -26,10 +26,11 @@ bool write_file(std::string const& path, void const* bytes, std::size_t const& s
                 std::string& reason) {
     std::error_code error;
     fs::file_status const old = fs::status(path, error);
-    if (fs::exists(old) && !fs::is_regular_file(old)) {
+    fs::path const target = fs::exists(old) ? fs::canonical(path, error) : fs::path(path);
+    if (fs::exists(old) &&
+        (!fs::is_regular_file(old) || access(target.parent_path().c_str(), W_OK) != 0)) {
         return write_whole(path, bytes, size, reason);
     }
-    fs::path const target = fs::exists(old) ? fs::canonical(path, error) : fs::path(path);
     fs::path part = target;
     part.replace_filename(".qzpoly." + std::to_string(getpid()) + ".part");
     if (write_whole(part, bytes, size, reason)) {

@@ -5,6 +5,6 @@
 
 // Writes a file: all of it, or none. It is written beside its place and then put there, so that a
 // file of that name stays as it was when something fails, with the reason. What is no regular file,
-// as a pipe or a device, is written to where it is.
+// as a pipe or a device, is written to where it is, and so is a file in a folder that is not ours.
 bool write_file(std::string const& path, void const* bytes, std::size_t const& size,
                 std::string& reason);
