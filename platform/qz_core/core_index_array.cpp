@@ -23,9 +23,6 @@ unsigned int get_largest_stored(CoreBasicArray<unsigned int> const& values) {
 
 void CoreIndexArray::init(unsigned int const& count, unsigned int const& largest) {
     allocate(count, get_width(largest));
-    if (m_data) {
-        std::memset(m_data, 0, m_byte_count);
-    }
 }
 
 void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
@@ -47,7 +44,6 @@ void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
     }
     if (m_data) {
         // The slack leaves room for the pending bits, fewer than 32.
-        std::memset(out, 0, static_cast<std::size_t>(m_data + m_byte_count - out));
         std::memcpy(out, &pending, 4);
     }
 }
@@ -96,6 +92,6 @@ void CoreIndexArray::allocate(unsigned int const& count, unsigned int const& bit
     m_mask = static_cast<unsigned int>((1ull << new_bit_count) - 1);
     if (new_count != 0) {
         m_byte_count = (static_cast<unsigned long long>(new_count) * new_bit_count + 7) / 8 + 7;
-        m_data = static_cast<unsigned char*>(core_allocate(m_byte_count));
+        m_data = static_cast<unsigned char*>(core_allocate_zeros(m_byte_count));
     }
 }

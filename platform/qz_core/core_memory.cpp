@@ -19,6 +19,10 @@ void* core_allocate(std::size_t const& size) {
     return size == 0 ? nullptr : checked(std::malloc(size), size);
 }
 
+void* core_allocate_zeros(std::size_t const& size) {
+    return size == 0 ? nullptr : checked(std::calloc(size, 1), size);
+}
+
 void* core_reallocate(void* block, std::size_t const& size) {
     if (size == 0) {
         std::free(block);

@@ -15,7 +15,8 @@ class BlockedCorners {
     };
 
     // `records` holds one for each corner and outlives this.
-    BlockedCorners(Record* records, unsigned int const& count) : m_records(records) {
+    void init(Record* records, unsigned int const& count) {
+        m_records = records;
         for (unsigned int i = 0; i < count; ++i) {
             m_records[i] = {no_corner, no_corner, no_corner, no_corner};
         }
@@ -65,5 +66,5 @@ class BlockedCorners {
     }
 
   private:
-    Record* m_records;
+    Record* m_records = nullptr;
 };

@@ -42,8 +42,7 @@ std::size_t CornerTree::get_scratch_size(std::size_t const& count) {
            ScratchBlock::get_size<unsigned int>(count) +
            ScratchBlock::get_size<unsigned char>(leaf_count) +
            ScratchBlock::get_size<CornerBoxes>(node_count) +
-           ScratchBlock::get_size<unsigned char>(node_count) +
-           2 * ScratchBlock::get_size<PlacedCorner>(count);
+           ScratchBlock::get_size<unsigned char>(node_count) + get_returned_size(count);
 }
 
 void CornerTree::build(PlanePoint const* points, unsigned int const* indices,
@@ -58,12 +57,12 @@ void CornerTree::build(PlanePoint const* points, unsigned int const* indices,
     m_leaf_sizes = scratch.take<unsigned char>(leaf_count);
     m_nodes = scratch.take<CornerBoxes>(node_count);
     m_node_sizes = scratch.take<unsigned char>(node_count);
-    PlacedCorner* const placed = scratch.take<PlacedCorner>(m_count);
-    PlacedCorner* const spare = scratch.take<PlacedCorner>(m_count);
+    PlacedCorner* const placed = scratch.take<PlacedCorner>(2ull * m_count);
     unsigned int const placed_count = place_corners(placed);
-    order_along_curve(m_points, indices, placed, spare, placed_count);
+    order_along_curve(m_points, indices, placed, placed + m_count, placed_count);
     fill_slots(placed, placed_count, indices);
     fill_nodes();
+    scratch.give_back(placed, 2ull * m_count);
 }
 
 // Lists the corners that can block an ear, and returns how many there are.

@@ -16,8 +16,11 @@ class CornerTree {
     // What find_blocker and remove return for none.
     static constexpr unsigned int no_slot = 0xFFFFFFFFu;
 
-    // Bytes that build takes from its scratch block.
+    // Bytes that build takes from its scratch block, and those of them that it gives back.
     static std::size_t get_scratch_size(std::size_t const& count);
+    static std::size_t get_returned_size(std::size_t const& count) {
+        return ScratchBlock::get_size<PlacedCorner>(2 * count);
+    }
 
     // A tree of the vertices of all `count` corners, corner i being `points[i]` and the vertex
     // `indices[i]`; slots are below `count`. `points` and `scratch` outlive the tree.

@@ -7,6 +7,8 @@
 #include <poly/topology/polygon_projection.h>
 #include <poly/topology/scratch_block.h>
 
+#include <algorithm>
+
 namespace {
 
 struct Links {
@@ -20,16 +22,17 @@ class LargeCorners {
   public:
     static std::size_t get_scratch_size(std::size_t const& count) {
         return ScratchBlock::get_size<PlanePoint>(count) + ScratchBlock::get_size<Links>(count) +
-               ScratchBlock::get_size<BlockedCorners::Record>(count) +
-               OpenCorners::get_scratch_size(count) + CornerTree::get_scratch_size(count);
+               OpenCorners::get_scratch_size(count) + CornerTree::get_scratch_size(count) -
+               CornerTree::get_returned_size(count) +
+               std::max(CornerTree::get_returned_size(count),
+                        ScratchBlock::get_size<BlockedCorners::Record>(count));
     }
 
     LargeCorners(GMathVec3<float> const* positions, unsigned int const* indices,
                  unsigned int const& count, ScratchBlock& scratch)
         : m_points(scratch.take<PlanePoint>(count)),
           m_links(scratch.take<Links>(count)),
-          m_open(count, scratch),
-          m_blocked(scratch.take<BlockedCorners::Record>(count), count) {
+          m_open(count, scratch) {
         PolygonFrame const frame(positions, indices, count);
         for (unsigned int i = 0; i < count; ++i) {
             m_points[i] = frame.project(positions[indices[i]]);
@@ -38,6 +41,7 @@ class LargeCorners {
         m_links[0].previous = count - 1;
         m_links[count - 1].next = 0;
         m_tree.build(m_points, indices, count, scratch);
+        m_blocked.init(scratch.take<BlockedCorners::Record>(count), count);
     }
 
     bool find_open(unsigned int& at) const { return m_open.find_from(at); }

@@ -36,6 +36,13 @@ class ScratchBlock {
         return array;
     }
 
+    // Room again for `array`, taken with `count` elements, when nothing was taken since.
+    template <typename T>
+    void give_back(T* array, std::size_t const& count) {
+        m_next = array;
+        m_left += get_size<T>(count);
+    }
+
   private:
     static constexpr std::size_t alignment = 64;
 
