@@ -5,7 +5,11 @@ Each file is the densest of its kind: all of it is the one thing that grows most
 it and builds the mesh; the figures are its peak memory above that of loading next to nothing, over
 the size of the file, and its processor time.
 
+With --grid it measures what a whole import costs: an OBJ file of a grid of quads, against the arrays
+that reading and building it must end with.
+
 usage: limits.py PROGRAM [MEGABYTES]
+       limits.py PROGRAM --grid [MEGABYTES]
 """
 
 import itertools
@@ -113,6 +117,35 @@ FILES = [
 ]
 
 
+GRID_BYTES_A_QUAD = 68  # of the file, nearly
+READ_BYTES_A_VERTEX = 12  # a position
+READ_BYTES_A_QUAD = 4 * (4 + 1 + 1)  # corners, their number and the group
+
+
+def write_grid(file, side):
+    for y in range(side + 1):
+        row = (f"v {x * 0.01:.6f} {x * y % 1000 * 1e-6:.6f} {y * 0.01:.6f}\n" for x in range(side + 1))
+        file.write("".join(row).encode())
+    for y in range(side):
+        first = y * (side + 1) + 1
+        row = (f"f {a} {a + 1} {a + side + 2} {a + side + 1}\n" for a in range(first, first + side))
+        file.write("".join(row).encode())
+
+
+def measure_grid(program, path, base, size):
+    side = int((size / GRID_BYTES_A_QUAD) ** 0.5)
+    with open(path, "wb") as file:
+        write_grid(file, side)
+    read = READ_BYTES_A_VERTEX * (side + 1) ** 2 + READ_BYTES_A_QUAD * side**2
+    stats = subprocess.run([program, "stats", path], capture_output=True, check=True, text=True).stdout
+    parts = dict(line.split(": ") for line in stats.splitlines() if not line.startswith(" "))
+    built = sum(int(parts[name]) for name in ("POINT CLOUD", "TOPOLOGY", "GEOMETRY"))
+    status, peak, seconds = measure(program, path)
+    peak -= base
+    print(f"file {os.path.getsize(path)} bytes, {seconds:.1f} s, status {status}")
+    print(f"arrays of reading {read} and of the mesh {built}, peak {peak}: {peak / (read + built):.3f}")
+
+
 def write(path, make, size):
     """Writes a file from a process of its own: a child's peak memory counts that of its parent."""
     process = os.fork()
@@ -134,14 +167,18 @@ def measure(program, path):
 
 
 def main():
-    program = sys.argv[1]
-    size = int(sys.argv[2] if len(sys.argv) > 2 else 50) * 1000000
+    program, *arguments = sys.argv[1:]
+    is_grid = arguments[:1] == ["--grid"]
+    size = int((arguments[is_grid:] or [4000 if is_grid else 50])[0]) * 1000000
     worst = {"obj": (0, 0), "lwo": (0, 0)}
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "file")
         with open(path, "wb") as file:
             file.write(POINTS + b"f 1 2 3\n")
         base = measure(program, path)[1]
+        if is_grid:
+            measure_grid(program, path, base, size)
+            return 0
         print(f"{'of':4} {'all':20} {'bytes a byte':>13} {'ns a byte':>10} {'status':>7}")
         for kind, name, make in FILES:
             length = write(path, make, size)
