@@ -32,12 +32,12 @@ in_bare() {
 # An application finds the libraries in a tree, and inherits what it needs.
 check_tree() {
     tree=$1
-    rm -rf "$folder/consumer"
-    quietly cmake -S "$root/tests/package/consumer" -B "$folder/consumer" -G Ninja \
-        -D CMAKE_PREFIX_PATH="$tree"
-    quietly ninja -C "$folder/consumer"
-    quietly "$folder/consumer/consumer"
-    quietly grep -e '-ffp-contract=off.*-std=[a-z+]*20' "$folder/consumer/build.ninja"
+    rm -rf "$folder/examples"
+    quietly cmake -S "$root/examples" -B "$folder/examples" -G Ninja -D CMAKE_PREFIX_PATH="$tree"
+    quietly ninja -C "$folder/examples"
+    quietly "$folder/examples/first_hit"
+    quietly "$folder/examples/box_tree" "$root/assets/rocket.obj"
+    quietly grep -e '-ffp-contract=off.*-std=[a-z+]*20' "$folder/examples/build.ninja"
     find "$tree/include" -path '*/p[lo]*/*' -name '*.h' -printf '#include <%P>\n' >"$folder/all.cpp"
     quietly g++ -std=c++20 -fsyntax-only -isystem "$tree/include" "$folder/all.cpp"
 }

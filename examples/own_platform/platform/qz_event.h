@@ -1,7 +1,5 @@
 #pragma once
 
-#define OWN_PLATFORM
-
 #include <string_view>
 
 // Events of an application that only counts them.
