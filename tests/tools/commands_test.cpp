@@ -92,6 +92,8 @@ TEST(Commands, FaultsTellTheirReason) {
         {{"render", block, "--size", "8", "8", "-o", "/dev/full"}, 1, "No space left"},
         {{"pack", block, "-o", "/dev/full"}, 1, "No space left"},
         {{"info", "no\x1b\xc3\xa9\xe9"}, 1, "no\\x1B\xc3\xa9\\xE9"},
+        {{"render", block, "--camera", "below"}, 2, "there are front, back, left"},
+        {{"render", block, "--camera", "top", "--eye", "1", "1", "1"}, 2, "excludes"},
         {{"render", "--sphere", "3", "-1"}, 2, "--sphere"},
         {{"render", "--sphere", "3", "3", "--frames", block, block}, 2, "excludes"},
         {{"render", "--frames", block, other}, 1, "other polygons"},

@@ -44,6 +44,8 @@ TEST(Render, SearchByBoxesMissesNothing) {
         {block, "--exact", "--edges"},
         {block, "--shade", "normal"},
         {block, "--shade", "group"},
+        {block, "--camera", "top"},
+        {block, "--camera", "left", "--turn", "30", "--up", "0", "0", "1"},
         {block, "--motion"},
         {block, "--spin", "-50", "--velocity", "-1", "0.3", "0", "--shutter", "-1", "2"},
         {"--frames", block, middle, end},

@@ -27,6 +27,41 @@ GMathVec3<double> get_usual_front(GMathVec3<double> const& vertical) {
     return gmath_length(front) > 0.5 ? front : GMathVec3<double>(1, 0, 0);
 }
 
+// A view by its name: where the eye is around the vertical from the front, and how far up.
+struct NamedView {
+    char const* name;
+    double azimuth_degrees;
+    double elevation_degrees;
+};
+constexpr NamedView named_views[] = {
+    {"front", 0, 0}, {"back", 180, 0},   {"left", -90, 0},          {"right", 90, 0},
+    {"top", 0, 90},  {"bottom", 0, -90}, {"three-quarter", 45, 25},
+};
+
+NamedView const* find_view(std::string const& name) {
+    for (NamedView const& view : named_views) {
+        if (view.name == name) {
+            return &view;
+        }
+    }
+    return nullptr;
+}
+
+// From the target to the eye. `upwards`, of the picture, is left alone where the vertical will do.
+GMathVec3<double> get_direction(NamedView const& view, GMathVec3<double> const& vertical,
+                                double const& turn_degrees, GMathVec3<double>& upwards) {
+    GMathVec3<double> const front = get_usual_front(vertical);
+    double const azimuth = (view.azimuth_degrees + turn_degrees) * degree;
+    GMathVec3<double> const level =
+        front * std::cos(azimuth) + gmath_cross(vertical, front) * std::sin(azimuth);
+    if (std::fabs(view.elevation_degrees) == 90) {
+        upwards = view.elevation_degrees > 0 ? -level : level;
+        return view.elevation_degrees > 0 ? vertical : -vertical;
+    }
+    double const elevation = view.elevation_degrees * degree;
+    return level * std::cos(elevation) + vertical * std::sin(elevation);
+}
+
 // From the target to the eye.
 GMathVec3<double> choose_direction(ToolExtent const& extent, GMathVec3<double> const& vertical,
                                    double const& turn_degrees) {
@@ -96,12 +131,13 @@ void fit_eye(ToolExtent const& extent, double const& radius, ToolCamera& camera)
     camera.eye = camera.eye - camera.forward * (depth * (margin - 1));
 }
 
-bool orient(GMathVec3<double> const& forward, ToolCamera& camera) {
+bool orient(GMathVec3<double> const& forward, GMathVec3<double> const& upwards,
+            ToolCamera& camera) {
     camera.forward = gmath_unit(forward);
-    camera.right = gmath_unit(gmath_cross(camera.forward, camera.vertical));
+    camera.right = gmath_unit(gmath_cross(camera.forward, upwards));
     camera.up = gmath_cross(camera.right, camera.forward);
-    // False where forward is 0, along the vertical, or no number.
-    return gmath_length(gmath_cross(camera.forward, camera.vertical)) > 1e-9;
+    // False where forward is 0, along what is upwards, or no number.
+    return gmath_length(gmath_cross(camera.forward, upwards)) > 1e-9;
 }
 
 }  // namespace
@@ -124,6 +160,16 @@ void add_camera_options(CLI::App& command, ToolCameraOptions& options) {
     std::string const group = "Camera";
     CLI::Option* const eye = command.add_option("--eye", options.eye, "Where the camera stands");
     eye->type_name("X Y Z")->expected(3)->check(check_finite)->group(group);
+    CLI::Option* const view = command.add_option("--camera", options.view);
+    std::string names;
+    for (NamedView const& named : named_views) {
+        names += make_text(names.empty() ? "" : ", ", named.name);
+    }
+    view->type_name("NAME")->description("From where it looks: " + names)->excludes(eye);
+    view->group(group)->check([names](std::string const& name) {
+        return find_view(name) != nullptr ? std::string()
+                                          : "no such view: " + name + "; there are " + names;
+    });
     command.add_option("--turn", options.turn_degrees, "Walks around it, in degrees")
         ->check(check_finite)
         ->excludes(eye)
@@ -169,10 +215,13 @@ bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, Too
     camera.vertical = gmath_unit(to_vector(options.up));
     camera.eye = options.eye.empty() ? center : to_vector(options.eye);
     GMathVec3<double> const target = options.target.empty() ? center : to_vector(options.target);
+    GMathVec3<double> upwards = camera.vertical;
+    NamedView const* const view = find_view(options.view);
     GMathVec3<double> const forward =
-        options.eye.empty() ? -choose_direction(extent, camera.vertical, options.turn_degrees)
-                            : target - camera.eye;
-    if (!orient(forward, camera)) {
+        !options.eye.empty() ? target - camera.eye
+        : view != nullptr    ? -get_direction(*view, camera.vertical, options.turn_degrees, upwards)
+                             : -choose_direction(extent, camera.vertical, options.turn_degrees);
+    if (!orient(forward, upwards, camera)) {
         messages.fail("the camera needs an eye apart from its target, and an --up across its view");
         return false;
     }

@@ -5,6 +5,7 @@
 
 #include <platform/qz_geometry.h>
 
+#include <string>
 #include <vector>
 
 namespace CLI {
@@ -14,6 +15,7 @@ class App;
 // What the command line says of the camera; empty vectors: choose by the geometry.
 struct ToolCameraOptions {
     std::vector<double> eye;
+    std::string view;  // its name; empty: a little above and beside what the model shows
     std::vector<double> target;
     std::vector<double> up{0, 1, 0};
     double turn_degrees = 0;  // of a chosen eye, about the vertical
@@ -41,7 +43,7 @@ struct ToolCamera {
 
 void add_camera_options(CLI::App& command, ToolCameraOptions& options);
 
-// Looks at the whole of `extent` from where the options say; without an eye, from a little above
-// and beside its front. False after the reason has been shown.
+// Looks at the whole of `extent` from where the options say; without an eye, from the view that
+// they name. False after the reason has been shown.
 bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, ToolMessages& messages,
                  ToolCamera& camera);

@@ -17,6 +17,7 @@ struct ToolSession {
 void add_render_command(CLI::App& app, ToolSession& session);
 void add_visible_command(CLI::App& app, ToolSession& session);
 void add_info_command(CLI::App& app, ToolSession& session);
+void add_check_command(CLI::App& app, ToolSession& session);
 void add_probe_command(CLI::App& app, ToolSession& session);
 void add_stats_command(CLI::App& app, ToolSession& session);
 void add_dump_command(CLI::App& app, ToolSession& session);

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr double half_width = 0.6;  // pixels, on either side of an edge
+constexpr float edge_shade = 0.12f;  // what edges leave of the color beneath
 
 struct PicturePoint {
     double x;
@@ -54,9 +54,13 @@ ToolEdges list_visible_edges(GeometryObject const& geometry) {
     return edges;
 }
 
-float compute_edge_cover(GeometryObject const& geometry, ToolEdges const& edges, CtxEval const& ctx,
-                         GeometryFragment const& fragment, ToolCamera const& camera,
-                         double const& x, double const& y) {
+void draw_edges(GeometryObject const& geometry, ToolEdgeLayer const& layer, CtxEval const& ctx,
+                GeometryFragment const& fragment, ToolCamera const& camera, double const& x,
+                double const& y, ToolColor& color) {
+    unsigned int const edges = layer.edges[fragment.primitive_index];
+    if (edges == 0) {
+        return;
+    }
     unsigned int const edge_count = geometry.get_primitive_edge_count(fragment.primitive_index);
     PicturePoint corners[4];
     for (unsigned int i = 0; i < edge_count; ++i) {
@@ -69,9 +73,11 @@ float compute_edge_cover(GeometryObject const& geometry, ToolEdges const& edges,
         PicturePoint const& a = corners[edge];
         PicturePoint const& b = corners[(edge + 1) % edge_count];
         // An edge that reaches behind the viewer has no place in the picture.
-        if (a.depth > 0 && b.depth > 0 && (edges[fragment.primitive_index] >> edge & 1) != 0) {
+        if (a.depth > 0 && b.depth > 0 && (edges >> edge & 1) != 0) {
             nearest = std::min(nearest, compute_distance(a, b, x, y));
         }
     }
-    return nearest < half_width ? 1.0f : 0.0f;
+    if (nearest < layer.half_width) {
+        color = layer.paint.value_or(color * edge_shade);
+    }
 }

@@ -2,13 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 namespace {
 
 constexpr double pi = std::numbers::pi;
 constexpr double golden_angle = pi * (3.0 - 2.23606797749979);  // of spiral points on a sphere
-constexpr double key_radius = 0.11;       // of the key light at distance 1: softness of its shadow
+constexpr double key_radius = 0.11;  // of the key light at distance 1: softness of its shadow
+constexpr double everywhere = std::numeric_limits<double>::max();
 constexpr double relative_offset = 2e-5;  // of shadow rays, to the size of the geometry
 
 constexpr ToolColor key_light(0.90f, 0.86f, 0.80f);
@@ -28,8 +30,13 @@ float luminance(ToolColor const& c) { return 0.2126f * c.x + 0.7152f * c.y + 0.0
 }  // namespace
 
 ToolLighting::ToolLighting(ToolCamera const& camera, unsigned int const& samples_per_pixel,
-                           double const& size)
-    : m_vertical(camera.vertical), m_to_viewer(-camera.forward), m_offset(size * relative_offset) {
+                           unsigned int const& occlusion_rays, double const& size)
+    : m_vertical(camera.vertical),
+      m_to_viewer(-camera.forward),
+      m_offset(size * relative_offset),
+      m_occlusion_reach(size),
+      m_samples_per_pixel(samples_per_pixel),
+      m_occlusion_rays(occlusion_rays) {
     GMathVec3<double> const to_viewer = gmath_cross(camera.right, m_vertical);
     GMathVec3<double> const key =
         gmath_unit(camera.right * -0.62 + m_vertical * 0.88 + to_viewer * 0.92);
@@ -68,9 +75,10 @@ unsigned int ToolLighting::get_sky_number(Place const& place) {
 
 bool ToolLighting::is_lit(ToolHitSearch const& search, CtxEval const& ctx,
                           GMathVec3<double> const& start, GMathVec3<double> const& direction,
-                          double const& time) const {
+                          double const& time, double const& reach) const {
     GeometryRay ray;
     ray.ray = GMathBasicRay(start, direction);
+    ray.maximum_distance = reach;
     ray.time = time;
     return !search.is_blocked(ctx, ray);
 }
@@ -80,13 +88,47 @@ ToolColor ToolLighting::get_sky(GMathVec3<double> const& direction) const {
     return sky_at_horizon * (1.0f - height) + sky_above * height;
 }
 
+float ToolLighting::compute_openness(ToolHitSearch const& search, CtxEval const& ctx,
+                                     GMathVec3<double> const& start,
+                                     GMathVec3<double> const& normal,
+                                     GMathVec3<double> const& flat_normal, double const& time,
+                                     Place const& place) const {
+    GMathVec3<double> const aside =
+        std::fabs(normal.x) < 0.6 ? GMathVec3<double>(1, 0, 0) : GMathVec3<double>(0, 1, 0);
+    GMathVec3<double> const across = gmath_unit(gmath_cross(normal, aside));
+    GMathVec3<double> const along = gmath_cross(normal, across);
+    double const turn = (pixel_order[place.y % 4][place.x % 4] + 0.5) / pixel_count;
+    unsigned int const all = m_samples_per_pixel * m_occlusion_rays;
+    unsigned int open_count = 0;
+    for (unsigned int ray = 0; ray < m_occlusion_rays; ++ray) {
+        // Even on the disk beneath the hemisphere: as many as their cosine says.
+        unsigned int const ring = ray * m_samples_per_pixel + place.sample;
+        double const square = (ring + turn) / all;
+        double const radius = std::sqrt(square);
+        double const angle = golden_angle * ring + 2 * pi * turn;
+        GMathVec3<double> const direction = across * (radius * std::cos(angle)) +
+                                            along * (radius * std::sin(angle)) +
+                                            normal * std::sqrt(1 - square);
+        open_count += gmath_dot(flat_normal, direction) > 0 &&
+                              is_lit(search, ctx, start, direction, time, m_occlusion_reach)
+                          ? 1
+                          : 0;
+    }
+    return static_cast<float>(open_count) / static_cast<float>(m_occlusion_rays);
+}
+
 ToolColor ToolLighting::compute(ToolHitSearch const& search, CtxEval const& ctx,
                                 GMathVec3<double> const& position, GMathVec3<double> const& normal,
                                 GMathVec3<double> const& flat_normal, double const& time,
                                 Place const& place) const {
     GMathVec3<double> const start = position + flat_normal * m_offset;
+    if (m_occlusion_rays != 0) {
+        return ToolColor(1, 1, 1) *
+               compute_openness(search, ctx, start, normal, flat_normal, time, place);
+    }
     auto const arrives = [&](GMathVec3<double> const& direction) {
-        return gmath_dot(flat_normal, direction) > 0 && is_lit(search, ctx, start, direction, time);
+        return gmath_dot(flat_normal, direction) > 0 &&
+               is_lit(search, ctx, start, direction, time, everywhere);
     };
     float const height = static_cast<float>(gmath_dot(normal, m_vertical));
     float const towards = static_cast<float>(gmath_dot(normal, m_to_viewer));
@@ -113,6 +155,9 @@ float ToolLighting::compute_ground_share(ToolHitSearch const& search, CtxEval co
                                          GMathVec3<double> const& position, double const& time,
                                          Place const& place) const {
     GMathVec3<double> const start = position + m_vertical * m_offset;
+    if (m_occlusion_rays != 0) {
+        return compute_openness(search, ctx, start, m_vertical, m_vertical, time, place);
+    }
     float all = luminance(light_from_everywhere);
     float arriving = all;
     auto const add = [&](GMathVec3<double> const& direction, ToolColor const& light,
@@ -120,7 +165,7 @@ float ToolLighting::compute_ground_share(ToolHitSearch const& search, CtxEval co
         double const cosine = gmath_dot(direction, m_vertical);
         float const amount = luminance(light) * static_cast<float>(cosine * weight);
         all += amount;
-        arriving += is_lit(search, ctx, start, direction, time) ? amount : 0.0f;
+        arriving += is_lit(search, ctx, start, direction, time, everywhere) ? amount : 0.0f;
     };
     add(m_key[get_key_number(place)], key_light, 1);
     unsigned int const first_sky = get_sky_number(place);

@@ -19,9 +19,11 @@ class ToolLighting {
         unsigned int sample;
     };
 
-    // `size`: the geometry's, which tells how far shadow rays start off the surface.
+    // `occlusion_rays`: for a sample; 0: key and sky, else how open a place is, alone, is its
+    // light. `size`: the geometry's, which tells how far shadow rays start off the surface, and
+    // what is near enough to close a place.
     ToolLighting(ToolCamera const& camera, unsigned int const& samples_per_pixel,
-                 double const& size);
+                 unsigned int const& occlusion_rays, double const& size);
 
     // The light that a white surface at `position` throws to the viewer. `normal` and `flat_normal`
     // (of shading, and of the surface itself) are unit vectors facing the viewer; `time` is that of
@@ -42,8 +44,13 @@ class ToolLighting {
     // The entry of `m_key`, and the first of `m_sky`.
     static unsigned int get_key_number(Place const& place);
     static unsigned int get_sky_number(Place const& place);
+    // The share of rays around a normal that meet nothing near, most of them steep.
+    float compute_openness(ToolHitSearch const& search, CtxEval const& ctx,
+                           GMathVec3<double> const& start, GMathVec3<double> const& normal,
+                           GMathVec3<double> const& flat_normal, double const& time,
+                           Place const& place) const;
     bool is_lit(ToolHitSearch const& search, CtxEval const& ctx, GMathVec3<double> const& start,
-                GMathVec3<double> const& direction, double const& time) const;
+                GMathVec3<double> const& direction, double const& time, double const& reach) const;
     ToolColor get_sky(GMathVec3<double> const& direction) const;
 
     GMathVec3<double> m_vertical;
@@ -51,4 +58,7 @@ class ToolLighting {
     std::vector<GMathVec3<double>> m_key;  // to points of the key light
     std::vector<GMathVec3<double>> m_sky;  // over the upper hemisphere
     double m_offset;
+    double m_occlusion_reach;
+    unsigned int m_samples_per_pixel;
+    unsigned int m_occlusion_rays;
 };

@@ -1,54 +1,28 @@
 #include <tools/qzpoly/mesh_facts.h>
 
-#include <poly/topology/triangulate_polygon.h>
+#include <tools/qzpoly/polygon_cuts.h>
 
 #include <cstring>
 
 namespace {
 
-// What was built of each polygon.
-struct PolygonPrimitives {
-    std::vector<unsigned int> counts;
-    std::vector<bool> is_whole_quad;
-};
-
-PolygonPrimitives count_primitives(PolyMesh const& mesh, ToolMeshFacts& facts) {
-    PolygonPrimitives built;
-    built.counts.resize(facts.polygon_count);
-    built.is_whole_quad.resize(facts.polygon_count);
+void count_primitives(PolyMesh const& mesh, ToolMeshFacts& facts) {
     facts.primitive_count = mesh.get_primitive_count();
     for (unsigned int i = 0; i < facts.primitive_count; ++i) {
-        unsigned int const polygon = mesh.get_primitive_polygon_id(i);
-        bool const is_quad = mesh.get_primitive_edge_count(i) == 4;
-        ++(is_quad ? facts.quad_count : facts.triangle_count);
-        ++built.counts[polygon];
-        built.is_whole_quad[polygon] = is_quad;
+        ++(mesh.get_primitive_edge_count(i) == 4 ? facts.quad_count : facts.triangle_count);
         facts.area +=
             mesh.estimate_primitive_area(CtxEval(), i, GMathMatrix4x4<double>::get_identity());
     }
-    return built;
 }
 
-// Cuts once more what the mesh was cut from, and counts the triangles that cutting fell short of.
-void count_polygons(PolyMesh const& mesh, PolygonPrimitives const& built, ToolMeshFacts& facts) {
-    CoreArray<GMathVec3<float>> positions;
+void count_polygons(PolyMesh const& mesh, ToolMeshFacts& facts) {
     CoreArray<unsigned int> counts;
-    CoreArray<unsigned int> vertices;
-    mesh.get_point_cloud()->get_positions(positions);
     mesh.get_polygon_vertex_count(counts);
-    mesh.get_polygon_vertex_indices(vertices);
-    std::vector<unsigned int> triangles;
-    unsigned int const* corners = vertices.get_data();
-    for (unsigned int polygon = 0; polygon < facts.polygon_count; ++polygon) {
-        unsigned int const corner_count = counts[polygon];
+    for (unsigned int const corner_count : counts) {
         ++facts.polygons_by_corners[corner_count];
-        if (corner_count > 3 && !built.is_whole_quad[polygon]) {
-            triangles.resize(std::size_t(3) * (corner_count - 2));
-            unsigned int const written =
-                triangulate_polygon(positions.get_data(), corners, corner_count, triangles.data());
-            facts.degenerate_count += corner_count - 2 - written / 3;
-        }
-        corners += corner_count;
+    }
+    for (unsigned int const missing_count : count_missing_triangles(mesh)) {
+        facts.degenerate_count += missing_count;
     }
 }
 
@@ -109,7 +83,8 @@ ToolMeshFacts find_facts(PolyMesh const& mesh) {
     ToolMeshFacts facts;
     facts.vertex_count = mesh.get_vertex_count();
     facts.polygon_count = mesh.get_polygon_count();
-    count_polygons(mesh, count_primitives(mesh, facts), facts);
+    count_primitives(mesh, facts);
+    count_polygons(mesh, facts);
     ResourceImportData const* const data = mesh.get_import_data();
     facts.crease_count = data != nullptr ? data->crease_sharpnesses.get_count() : 0;
     list_groups(mesh, facts);

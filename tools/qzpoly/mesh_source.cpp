@@ -79,9 +79,12 @@ bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh
     mesh.mesh = std::make_unique<PolyMesh>();
     mesh.name = std::filesystem::path(name).stem().string();
     mesh.is_block = is_block(path);
-    bool const is_light_wave = Lwo::is_valid(path);
-    mesh.kind = mesh.is_block ? "byte block" : is_light_wave ? "LightWave object" : "Wavefront OBJ";
-    if (!options.item.empty() && !is_light_wave) {
+    mesh.path = name;
+    mesh.is_light_wave = Lwo::is_valid(path);
+    mesh.kind = mesh.is_block        ? "byte block"
+                : mesh.is_light_wave ? "LightWave object"
+                                     : "Wavefront OBJ";
+    if (!options.item.empty() && !mesh.is_light_wave) {
         return refuse("only LightWave objects have items");
     }
     if (mesh.is_block) {

@@ -24,8 +24,12 @@ struct ToolMeshOptions {
 struct ToolMesh {
     std::unique_ptr<PolyMesh> mesh;
     std::string name;  // of the file without folder and ending; what outputs are called after
+    std::string path;  // of the file; empty for a sphere
     std::string kind;  // of the file, in words
     bool is_block = false;
+    bool is_light_wave = false;
+
+    bool is_obj() const { return !path.empty() && !is_block && !is_light_wave; }
     double seconds = 0;  // that loading and building took
 };
 

@@ -12,7 +12,9 @@ constexpr unsigned int warning_level = 4;
 
 void show(char const* kind, std::string_view const& text) {
     clear_progress_line();
-    std::fprintf(stderr, "%s: %s\n", kind, make_printable(text).c_str());
+    bool const is_colored = has_colors(stderr);
+    std::fprintf(stderr, "%s%s:%s %s\n", is_colored ? "\033[1;31m" : "", kind,
+                 is_colored ? "\033[0m" : "", make_printable(text).c_str());
 }
 
 // The bytes of the character that `text` begins with; 0 if it begins with none that can be shown.

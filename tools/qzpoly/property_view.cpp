@@ -1,24 +1,12 @@
 #include <tools/qzpoly/property_view.h>
 
 #include <tools/qzpoly/messages.h>
+#include <tools/qzpoly/picture_text.h>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-// Figures as bitmaps of three columns and five rows: a row is three bits, the top row the highest.
-struct Figure {
-    char character;
-    unsigned int rows;
-};
-constexpr Figure figures[] = {
-    {'0', 075557}, {'1', 026227}, {'2', 071747}, {'3', 071717}, {'4', 055711},
-    {'5', 074717}, {'6', 074757}, {'7', 071111}, {'8', 075757}, {'9', 075717},
-    {'-', 000700}, {'.', 000002}, {'+', 002720}, {'e', 075746},
-};
-constexpr unsigned int figure_height = 5;
-constexpr unsigned int figure_advance = 4;
 
 ToolColor get_no_value_color() { return from_display(0.45f, 0.45f, 0.45f); }
 
@@ -33,31 +21,6 @@ ToolColor get_false_color(double const& fraction) {
         return clamp_to_unit(1.5 - std::fabs(f - centre) * 4.0);
     };
     return from_display(ramp(0.80), ramp(0.5), ramp(0.20));
-}
-
-void fill(ToolImage& image, unsigned int const& left, unsigned int const& top,
-          unsigned int const& width, unsigned int const& height, ToolColor const& color) {
-    for (unsigned int y = top; y < std::min(top + height, image.height); ++y) {
-        for (unsigned int x = left; x < std::min(left + width, image.width); ++x) {
-            image.set_pixel(x, y, color);
-        }
-    }
-}
-
-void draw_text(ToolImage& image, std::string const& text, unsigned int const& left,
-               unsigned int const& top, unsigned int const& scale) {
-    unsigned int x = left;
-    for (char const character : text) {
-        for (Figure const& figure : figures) {
-            for (unsigned int bit = 0; figure.character == character && bit < 15; ++bit) {
-                if ((figure.rows >> (14 - bit) & 1u) != 0) {
-                    fill(image, x + bit % 3 * scale, top + bit / 3 * scale, scale, scale,
-                         ToolColor(0, 0, 0));
-                }
-            }
-        }
-        x += figure_advance * scale;
-    }
 }
 
 }  // namespace
@@ -115,15 +78,16 @@ void draw_legend(ToolPropertyView const& view, ToolImage& image) {
     unsigned int const margin = 8 * scale;
     unsigned int const height = 8 * scale;
     unsigned int const width = std::min(120 * scale, image.width - std::min(image.width, margin));
-    unsigned int const drop = margin + height + (figure_height + 2) * scale;
+    unsigned int const drop = margin + height + (tool_letter_height + 2) * scale;
     unsigned int const top = image.height - std::min(image.height, drop);
     for (unsigned int x = 0; x < width; ++x) {
         fill(image, margin + x, top, 1, height, get_false_color((x + 0.5) / width));
     }
     std::string const highest = make_text(static_cast<float>(view.highest));
     unsigned int const text_width =
-        figure_advance * scale * static_cast<unsigned int>(highest.size());
+        tool_letter_advance * scale * static_cast<unsigned int>(highest.size());
     unsigned int const text_top = top + height + 2 * scale;
-    draw_text(image, make_text(static_cast<float>(view.lowest)), margin, text_top, scale);
-    draw_text(image, highest, margin + width - std::min(width, text_width), text_top, scale);
+    ToolColor const black(0, 0, 0);
+    draw_text(image, make_text(static_cast<float>(view.lowest)), margin, text_top, scale, black);
+    draw_text(image, highest, margin + width - std::min(width, text_width), text_top, scale, black);
 }

@@ -1,11 +1,10 @@
 #include <tools/qzpoly/commands.h>
 
 #include <tools/qzpoly/camera.h>
-#include <tools/qzpoly/hit_search.h>
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/motion.h>
 #include <tools/qzpoly/numbers.h>
-#include <tools/qzpoly/renderer.h>
+#include <tools/qzpoly/scene.h>
 #include <tools/qzpoly/stopwatch.h>
 #include <tools/qzpoly/surface_options.h>
 #include <tools/qzpoly/terminal.h>
@@ -46,8 +45,9 @@ void add_picture_options(CLI::App& command, RenderOptions& options) {
             return find_shade_mode(name) != nullptr ? std::string() : "no such mode: " + name;
         })
         ->capture_default_str();
-    command.add_option("--uv-map", options.settings.uv_map, "Number of the uv map, from 0");
-    command.add_option("--color-map", options.settings.color_map,
+    command.add_option("--uv-map", options.settings.appearance.uv_map,
+                       "Number of the uv map, from 0");
+    command.add_option("--color-map", options.settings.appearance.color_map,
                        "Number of the color map, from 0");
     command.add_flag("--edges", options.has_edges, "Draw the edges of polygons");
     command.add_flag("--hard-edges", options.has_hard_edges,
@@ -69,8 +69,8 @@ void check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages
         unsigned int count;
     };
     for (Row const& row :
-         {Row{"--uv-map", options.settings.uv_map, mesh.get_uv_map_count()},
-          Row{"--color-map", options.settings.color_map, mesh.get_color_map_count()}}) {
+         {Row{"--uv-map", options.settings.appearance.uv_map, mesh.get_uv_map_count()},
+          Row{"--color-map", options.settings.appearance.color_map, mesh.get_color_map_count()}}) {
         if (row.map != 0 && row.map >= row.count) {
             refuse_option(row.option,
                           make_text("there is no ", row.map, ": the mesh has ", row.count));
@@ -88,17 +88,21 @@ GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
     return gmath_unit(GMathVec3<double>(options.up[0], options.up[1], options.up[2]));
 }
 
-ToolEdges list_edges(RenderOptions const& options, PolyMesh const& mesh) {
-    ToolEdges edges = options.has_edges ? list_visible_edges(mesh) : ToolEdges();
-    if (options.has_hard_edges) {
+std::vector<ToolEdgeLayer> list_edges(RenderOptions const& options, PolyMesh const& mesh) {
+    std::vector<ToolEdgeLayer> layers;
+    if (options.has_edges || options.has_hard_edges) {
+        ToolEdges edges =
+            options.has_edges ? list_visible_edges(mesh) : ToolEdges(mesh.get_primitive_count());
         CoreArray<unsigned char> hard_edges;
-        PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, hard_edges);
-        edges.resize(hard_edges.get_count());
+        if (options.has_hard_edges) {
+            PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, hard_edges);
+        }
         for (unsigned int i = 0; i < hard_edges.get_count(); ++i) {
             edges[i] = static_cast<unsigned char>(edges[i] | hard_edges[i]);
         }
+        layers.push_back({std::move(edges), std::nullopt});
     }
-    return edges;
+    return layers;
 }
 
 // Finds the property that is to be shown; false after saying that there is none.
@@ -135,39 +139,26 @@ ToolRenderSettings make_settings(RenderOptions const& options,
 // Draws the mesh; false after the reason has been shown.
 bool draw(RenderOptions const& options, PolyMesh const& mesh, GeometryObject const& geometry,
           std::vector<double> const& shutter_times, ToolMessages& messages, ToolImage& image) {
-    CtxShader const shader_ctx = make_shader_ctx(shutter_times);
-    CtxEval const ctx(&shader_ctx);
-    ToolExtent const extent = compute_extent(geometry, ctx, shutter_times);
+    ToolScene scene(geometry, shutter_times);
     ToolCamera camera;
-    if (!make_camera(options.camera, extent, messages, camera)) {
+    if (!make_camera(options.camera, scene.get_extent(), messages, camera)) {
         return false;
     }
     ToolRenderSettings settings = make_settings(options, shutter_times);
-    settings.edges = list_edges(options, mesh);
-    if (!find_property(options, geometry, ctx, messages, settings.property)) {
+    settings.edge_layers = list_edges(options, mesh);
+    ToolPropertyView& property = settings.appearance.property;
+    if (!find_property(options, geometry, scene.get_ctx(), messages, property) ||
+        !scene.prepare(options.is_exact ? GeometryRaytraceCtx::TEST_EXACT
+                                        : GeometryRaytraceCtx::TEST_TOLERANT,
+                       options.is_brute_force, settings.thread_count, messages)) {
         return false;
-    }
-    std::unique_ptr<ToolHitSearch> search;
-    if (extent.primitive_boxes.empty()) {
-        messages.warn("there is nothing to draw: the mesh has no primitives in reach");
-    } else {
-        ToolSearchSettings const search_settings = {
-            options.is_exact ? GeometryRaytraceCtx::TEST_EXACT : GeometryRaytraceCtx::TEST_TOLERANT,
-            shutter_times};
-        search = options.is_brute_force ? make_plain_search(geometry, ctx, search_settings)
-                                        : make_embree_search(geometry, ctx, search_settings,
-                                                             settings.thread_count, messages);
-        if (search == nullptr) {
-            return false;
-        }
     }
     ToolProgress progress("rendering");
-    if (!render(geometry, extent, search.get(), ctx, camera, settings, progress.get_bar(), image)) {
-        messages.fail("stopped");
+    if (!scene.draw(camera, settings, progress.get_bar(), messages, image)) {
         return false;
     }
-    if (settings.property.property != nullptr) {
-        draw_legend(settings.property, image);
+    if (property.property != nullptr) {
+        draw_legend(property, image);
     }
     return true;
 }

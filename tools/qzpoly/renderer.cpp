@@ -10,7 +10,6 @@
 namespace {
 
 constexpr unsigned int tile_size = 16;
-constexpr float edge_shade = 0.12f;  // what edges leave of the color beneath
 
 // Where in its pixel a sample lies: the plastic-number sequence, which fills a square evenly.
 double get_offset(unsigned int const& sample, double const& step) {
@@ -48,7 +47,8 @@ class Renderer {
           m_camera(camera),
           m_settings(settings),
           m_ground(extent, camera),
-          m_lighting(camera, settings.samples_per_pixel, m_ground.get_size()) {}
+          m_lighting(camera, settings.samples_per_pixel, settings.occlusion_rays,
+                     m_ground.get_size()) {}
 
     void draw_pixel(CtxEval const& ctx, unsigned int const& x, unsigned int const& y,
                     ToolImage& image) const {
@@ -71,7 +71,8 @@ class Renderer {
         if (m_search != nullptr && m_search->find_nearest(ctx, ray, hit)) {
             return shade(ctx, ray, hit, px, py, {x, y, sample});
         }
-        ToolColor const background = get_background(1 - py / m_camera.height);
+        ToolColor const background =
+            m_settings.background.value_or(get_background(1 - py / m_camera.height));
         return background * get_ground_share(ctx, ray, {x, y, sample});
     }
 
@@ -118,8 +119,7 @@ class Renderer {
         normal = gmath_length(normal) > 0.5 ? normal : flat;
 
         ToolColor color = m_settings.shade_mode->get_color(
-            {m_geometry, ctx, fragment, normal, is_front, m_settings.uv_map, m_settings.color_map,
-             &m_settings.property});
+            {m_geometry, ctx, fragment, normal, is_front, m_settings.appearance});
         if (m_settings.shade_mode->is_lit) {
             ToolColor const light =
                 m_lighting.compute(*m_search, ctx, get_shadow_start(surface, flat, is_front),
@@ -127,10 +127,8 @@ class Renderer {
             color = {soften(color.x * light.x), soften(color.y * light.y),
                      soften(color.z * light.z)};
         }
-        if (!m_settings.edges.empty()) {
-            float const cover =
-                compute_edge_cover(m_geometry, m_settings.edges, ctx, fragment, m_camera, px, py);
-            color = color * (1 - cover * (1 - edge_shade));
+        for (ToolEdgeLayer const& layer : m_settings.edge_layers) {
+            draw_edges(m_geometry, layer, ctx, fragment, m_camera, px, py, color);
         }
         return color;
     }

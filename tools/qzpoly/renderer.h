@@ -8,19 +8,22 @@
 
 #include <platform/qz_app_base.h>
 
+#include <optional>
+#include <vector>
+
 struct ToolRenderSettings {
     ToolShadeMode const* shade_mode = nullptr;
-    unsigned int uv_map = 0;
-    unsigned int color_map = 0;
-    ToolPropertyView property;  // for a mode that shows one
-    ToolEdges edges;            // to draw; empty: none
+    ToolAppearance appearance;
+    std::vector<ToolEdgeLayer> edge_layers;  // drawn one over the other
+    std::optional<ToolColor> background;     // none: a light grey that runs up into blue
+    unsigned int occlusion_rays = 0;         // a sample; 0: a key light and a sky
     unsigned int samples_per_pixel = 1;
     unsigned int thread_count = 1;
     double shutter_open = 0;  // sample times lie between these
     double shutter_close = 0;
 };
 
-// Draws a geometry before a plain background; a lit one stands on the ground. The picture does not
+// Draws a geometry before its background; a lit one stands on the ground. The picture does not
 // depend on the number of threads. Null `search`: nothing but the background. `ctx` has the
 // shutter. False when `progress` was asked to stop.
 bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,

@@ -18,19 +18,49 @@ ToolColor get_hue(double const& hue, float const& saturation, float const& value
 ToolColor get_clay() { return from_display(0.80f, 0.78f, 0.75f); }
 
 bool has_color_map(ToolShadePoint const& point) {
-    return point.color_map < point.geometry.get_color_map_count();
+    return point.appearance.color_map < point.geometry.get_color_map_count();
 }
 
 // Values of color maps are as they are displayed.
 ToolColor get_map_color(ToolShadePoint const& point) {
     GMathVec4<float> color;
-    point.geometry.compute_fragment_color(point.ctx, point.fragment, point.color_map, color);
+    point.geometry.compute_fragment_color(point.ctx, point.fragment, point.appearance.color_map,
+                                          color);
     auto const clamped = [](float const& v) { return v > 0.0f ? std::min(v, 1.0f) : 0.0f; };
     return from_display(clamped(color.x), clamped(color.y), clamped(color.z));
 }
 
+// False where the surface has no place in the uv map.
+bool find_uv(ToolShadePoint const& point, GMathVec3<double>& uvw) {
+    unsigned int const map = point.appearance.uv_map;
+    if (!point.geometry.is_primitive_uv_mapped(point.fragment.primitive_index, map)) {
+        return false;
+    }
+    GMathVec3<double> uvw_ds;
+    GMathVec3<double> uvw_dt;
+    point.geometry.compute_fragment_uvw(point.ctx, point.fragment, map, uvw, uvw_ds, uvw_dt);
+    return std::isfinite(uvw.x) && std::isfinite(uvw.y);
+}
+
+ToolMaterial const* find_material(ToolShadePoint const& point) {
+    auto const& materials = point.appearance.materials;
+    unsigned int const group =
+        point.geometry.get_primitive_shading_group_index(point.fragment.primitive_index);
+    return group < materials.size() && materials[group] ? &*materials[group] : nullptr;
+}
+
 ToolColor shade_surface(ToolShadePoint const& point) {
-    return has_color_map(point) ? get_map_color(point) : get_clay();
+    GMathVec3<double> uvw;
+    if (point.appearance.texture && find_uv(point, uvw)) {
+        return point.appearance.texture->get_color(uvw.x, uvw.y);
+    }
+    ToolMaterial const* const material = find_material(point);
+    if (material != nullptr && material->texture && find_uv(point, uvw)) {
+        return material->texture->get_color(uvw.x, uvw.y);
+    }
+    return has_color_map(point)  ? get_map_color(point)
+           : material != nullptr ? material->color
+                                 : get_clay();
 }
 
 ToolColor shade_normal(ToolShadePoint const& point) {
@@ -40,15 +70,8 @@ ToolColor shade_normal(ToolShadePoint const& point) {
 
 // Checks of 1/32, each row of u and of v in its own tint, so that turned and mirrored maps show.
 ToolColor shade_uv(ToolShadePoint const& point) {
-    if (!point.geometry.is_primitive_uv_mapped(point.fragment.primitive_index, point.uv_map)) {
-        return from_display(0.45f, 0.45f, 0.45f);
-    }
     GMathVec3<double> uvw;
-    GMathVec3<double> uvw_ds;
-    GMathVec3<double> uvw_dt;
-    point.geometry.compute_fragment_uvw(point.ctx, point.fragment, point.uv_map, uvw, uvw_ds,
-                                        uvw_dt);
-    if (!std::isfinite(uvw.x) || !std::isfinite(uvw.y)) {
+    if (!find_uv(point, uvw)) {
         return from_display(0.45f, 0.45f, 0.45f);
     }
     double const u = uvw.x - std::floor(uvw.x);
@@ -84,16 +107,23 @@ ToolColor shade_facing(ToolShadePoint const& point) {
 }
 
 ToolColor shade_property(ToolShadePoint const& point) {
-    return get_property_color(*point.property, point.ctx, point.fragment);
+    return get_property_color(point.appearance.property, point.ctx, point.fragment);
+}
+
+ToolColor shade_by_list(ToolShadePoint const& point) {
+    return point.appearance.primitive_colors[point.fragment.primitive_index];
 }
 
 constexpr std::string_view property_prefix = "property:";
 
 }  // namespace
 
+ToolShadeMode const tool_primitive_color_mode = {"", "", true, &shade_by_list};
+
 std::vector<ToolShadeMode> const& get_shade_modes() {
     static std::vector<ToolShadeMode> const s_modes = {
-        {"shaded", "in the colors of the color map, or as clay", true, &shade_surface},
+        {"shaded", "in the colors of textures, color map or materials, or as clay", true,
+         &shade_surface},
         {"normal", "x, y, z of the shading normal as red, green, blue", false, &shade_normal},
         {"uv", "a checker on the uv map", true, &shade_uv},
         {"color", "the color map alone, without light", false, &shade_color},

@@ -5,6 +5,8 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 namespace {
 
@@ -60,6 +62,14 @@ void catch_interrupts() {
 }
 
 bool is_interrupted() { return s_is_interrupted.load(std::memory_order_relaxed); }
+
+// https://no-color.org: set to anything but nothing, it turns colors off.
+bool has_colors(std::FILE* stream) {
+    char const* const refusal = std::getenv("NO_COLOR");
+    char const* const terminal = std::getenv("TERM");
+    return (refusal == nullptr || *refusal == '\0') && terminal != nullptr &&
+           std::string_view(terminal) != "dumb" && isatty(fileno(stream)) != 0;
+}
 
 void clear_progress_line() {
     if (s_is_line_drawn) {

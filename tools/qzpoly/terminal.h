@@ -2,6 +2,8 @@
 
 #include <platform/qz_app_base.h>
 
+#include <cstdio>
+
 // The progress bar of one operation, drawn on the last line of stderr when that is a terminal. It
 // exists and is stopped by Ctrl-C whether it is drawn or not. One at a time.
 class ToolProgress {
@@ -20,6 +22,9 @@ class ToolProgress {
 // From now on, the first Ctrl-C asks the operation under way to stop; the second one kills.
 void catch_interrupts();
 bool is_interrupted();
+
+// Whether text on this stream may be coloured: it is a terminal that can, and nobody objects.
+bool has_colors(std::FILE* stream);
 
 // Wipes what a progress bar has drawn, before something else is written to stderr.
 void clear_progress_line();
