@@ -1,3 +1,4 @@
+#include <tests/mesh/mesh_blocks.h>
 #include <tests/tools/run_tool.h>
 
 #include <nlohmann/json.hpp>
@@ -17,6 +18,14 @@ std::string make_cube(char const* size, bool const& is_open) {
     return text + (is_open ? "" : "f 2 4 8 6\n");
 }
 
+// A triangle with velocities, which rays at rest ignore.
+std::string make_moving_triangle() {
+    constexpr unsigned int one = 0x3F800000;
+    Bytes const bytes = make_block(Numbers{3,   0,   0, 0, one, 0,   0,   0, one, 0, 3, one, one,
+                                           one, one, 0, 0, one, one, one, 3, 0,   1, 2, 1,   3});
+    return {bytes.begin(), bytes.end()};
+}
+
 TEST(Verify, TellsTightMeshesFromLeakyOnes) {
     ToolFolder const folder;
     std::string const cube = folder.write("cube.obj", make_cube("2", false));
@@ -34,6 +43,11 @@ TEST(Verify, TellsTightMeshesFromLeakyOnes) {
          ""},
         // Here a distance, as a product of three lengths, is too large for a float.
         {{folder.write("huge.obj", make_cube("1e14", false)), "--rays", "99"}, 1, "closed", "miss"},
+        {{folder.write("dots.obj", "v 0 0 0\nv 1 1 1\nf 1 1 1\nf 2 2 2\n"), "--rays", "9"},
+         0,
+         "no triangles that share an edge",
+         ""},
+        {{folder.write("moving", make_moving_triangle()), "--rays", "9"}, 0, "bounds: 0", ""},
         {{folder.get_path("none.obj"), cube, "--rays", "9"}, 1, "cube", "not found"},
         {{cube, "--rays", "none"}, 2, "", "--rays"},
     };

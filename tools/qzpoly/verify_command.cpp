@@ -152,6 +152,9 @@ std::string tell_why_no_rays(PolyMesh const& mesh, ToolVerifySurface const& surf
     if (!can_be_staged(mesh)) {
         return "nothing of a size to speak of";
     }
+    if (surface.edges.empty()) {
+        return "no triangles that share an edge";
+    }
     if (!surface.is_closed()) {
         return make_text("open: ", surface.unpaired_count,
                          " edges are not shared by two primitives in opposite directions");

@@ -88,6 +88,7 @@ ToolVerifyStage::ToolVerifyStage(PolyMesh const& mesh, ToolVerifyPlace const& pl
         p = stays ? p : GMathVec3<float>((Wide(p) - center) * scale + new_center);
     }
     cloud.set_positions(positions);
+    cloud.set_velocities({});  // whatever motion the mesh has of its own
     if (place.is_moving) {
         // By a third of a turn in a unit of time, about an axis that is none of the space's, and a
         // little onwards.

@@ -43,7 +43,7 @@ struct ToolVerifySurface {
         };
         return std::count_if(std::begin(a.vertices), std::end(a.vertices), is_common) >= 2;
     }
-    bool is_closed() const { return unpaired_count == 0 && !triangles.empty(); }
+    bool is_closed() const { return unpaired_count == 0 && !edges.empty(); }
 };
 
 // Edges are paired by the vertices they name or, where that leaves some over, by the positions at
