@@ -15,15 +15,24 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 // Reads as many bytes as `set` is given and writes as many as it leaves, as one copy; what one of
-// them is longer is read or written alone.
+// them is longer is read or written alone. What is written is new memory, as that of `set` is, or
+// the same every time.
 class Copy {
   public:
     Copy(unsigned long long const& input_size, unsigned long long const& output_size)
         : m_from(input_size, 1), m_to(output_size, 2) {}
-    void run() {
+    void run_on_new_memory() {
+        auto* const to = static_cast<unsigned char*>(core_allocate(m_to.size()));
+        run(to);
+        core_release(to);
+    }
+    void run_on_warm_memory() { run(m_to.data()); }
+
+  private:
+    void run(unsigned char* to) const {
         std::size_t const shared = std::min(m_from.size(), m_to.size());
-        std::memcpy(m_to.data(), m_from.data(), shared);
-        std::memset(m_to.data() + shared, 0, m_to.size() - shared);
+        std::memcpy(to, m_from.data(), shared);
+        std::memset(to + shared, 0, m_to.size() - shared);
         unsigned long long sum = 0;
         for (std::size_t i = shared; i + 8 <= m_from.size(); i += 8) {
             unsigned long long word;
@@ -31,9 +40,10 @@ class Copy {
             sum += word;
         }
         benchmark::DoNotOptimize(sum);
+        benchmark::DoNotOptimize(to);
+        benchmark::ClobberMemory();
     }
 
-  private:
     std::vector<unsigned char> m_from, m_to;
 };
 
@@ -98,7 +108,9 @@ void fill_row(BenchRow& row, BenchMesh const& mesh, BenchMaps const& maps, doubl
         input->set(result, nullptr);
     });
     row.peer(
-        "memcpy", [=] { copy->run(); }, at_most(bar));
+        "memcpy to new memory", [=] { copy->run_on_new_memory(); }, at_most(bar));
+    row.peer(
+        "memcpy to warm memory", [=] { copy->run_on_warm_memory(); }, shown());
     Steps steps;
     for (unsigned int i = 0; i < 5; ++i) {
         steps.run(*input);

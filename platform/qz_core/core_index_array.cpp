@@ -28,23 +28,9 @@ void CoreIndexArray::init(unsigned int const& count, unsigned int const& largest
 void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
     unsigned int const largest = std::max(1u, get_largest_stored(values));
     allocate(values.get_count(), get_width(largest - 1u));
-    unsigned char* out = m_data;
-    unsigned long long pending = 0;
-    unsigned int pending_bits = 0;
-    unsigned int const bit_count = m_bit_count;
+    CoreIndexWriter writer(*this);
     for (unsigned int const value : values) {
-        pending |= static_cast<unsigned long long>(value + 1u) << pending_bits;
-        pending_bits += bit_count;
-        if (pending_bits >= 32) {
-            std::memcpy(out, &pending, 4);
-            out += 4;
-            pending >>= 32;
-            pending_bits -= 32;
-        }
-    }
-    if (m_data) {
-        // The slack leaves room for the pending bits, fewer than 32.
-        std::memcpy(out, &pending, 4);
+        writer.append(value);
     }
 }
 

@@ -84,6 +84,9 @@ class QZ_CORE_EXPORT CoreIndexArray {
     }
 
   private:
+    friend class CoreIndexReader;
+    friend class CoreIndexWriter;
+
     void allocate(unsigned int const& count, unsigned int const& bit_count);
 
     unsigned char* m_data = nullptr;
@@ -91,6 +94,61 @@ class QZ_CORE_EXPORT CoreIndexArray {
     unsigned int m_count = 0;
     unsigned int m_bit_count = 0;
     unsigned int m_mask = 0;
+};
+
+// Reads an index array that nobody changes meanwhile. What it copies stays in registers in loops
+// that write elsewhere, where the array's own fields would be loaded anew for every entry.
+class CoreIndexReader {
+  public:
+    explicit CoreIndexReader(CoreIndexArray const& array)
+        : m_data(array.m_data), m_bit_count(array.m_bit_count), m_mask(array.m_mask) {}
+
+    unsigned int operator[](unsigned int const& index) const {
+        unsigned long long const bit = index * m_bit_count;
+        unsigned long long word;
+        std::memcpy(&word, m_data + (bit >> 3), sizeof word);
+        return static_cast<unsigned int>((word >> (bit & 7)) & m_mask) - 1u;
+    }
+
+  private:
+    unsigned char const* m_data;
+    unsigned long long m_bit_count;
+    unsigned int m_mask;
+};
+
+// Sets the entries of a new index array one after the other, from the first on, in a register that
+// is written when it is full. Those that are left remain absent.
+class CoreIndexWriter {
+  public:
+    explicit CoreIndexWriter(CoreIndexArray& array)
+        : m_out(array.m_data), m_bit_count(array.m_bit_count) {}
+    CoreIndexWriter(CoreIndexWriter const&) = delete;
+    CoreIndexWriter& operator=(CoreIndexWriter const&) = delete;
+    ~CoreIndexWriter() {
+        // The bytes of slack leave room for all eight when there is one bit or more.
+        if (m_pending_bits != 0) {
+            std::memcpy(m_out, &m_pending, sizeof m_pending);
+        }
+    }
+
+    // `value` must fit, as for `set`.
+    void append(unsigned int const& value) {
+        unsigned long long const stored = static_cast<unsigned int>(value + 1u);
+        m_pending |= stored << m_pending_bits;
+        m_pending_bits += m_bit_count;
+        if (m_pending_bits >= 64) {
+            std::memcpy(m_out, &m_pending, sizeof m_pending);
+            m_out += sizeof m_pending;
+            m_pending_bits -= 64;
+            m_pending = stored >> (m_bit_count - m_pending_bits);
+        }
+    }
+
+  private:
+    unsigned char* m_out;
+    unsigned long long m_pending = 0;
+    unsigned int m_pending_bits = 0;
+    unsigned int m_bit_count;
 };
 
 static_assert(std::endian::native == std::endian::little, "packed words are little-endian");

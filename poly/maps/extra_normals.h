@@ -13,28 +13,46 @@ inline bool is_same_normal(GMathShortNormal const& a, GMathShortNormal const& b)
 }
 
 // The normals that corners have beside those of their vertices: each vertex's without repetition,
-// all numbered in the order in which they came. A hash table finds a vertex's normal in constant
-// time, however many it has; its slots are numbered in 32 bits, which allows 2^30 normals.
+// all numbered in the order in which they came. The first few of a vertex are a list; a hash table
+// finds the others in constant time, however many there are. Its slots are numbered in 32 bits,
+// which allows 2^30 normals.
 class ExtraNormals {
   public:
-    // The number of a normal of this vertex; a new one is appended.
-    unsigned int add(unsigned int const& vertex, GMathShortNormal const& normal) {
-        if (2ull * m_normals.get_count() >= m_slots.get_count()) {
-            grow();
-        }
-        unsigned int const slot = find_slot(vertex, normal);
-        if (m_slots[slot] == no_normal) {
-            m_slots[slot] = m_normals.get_count();
-            m_normals.append(normal);
-            m_vertices.append(vertex);
-        }
-        return m_slots[slot];
+    explicit ExtraNormals(unsigned int const& vertex_count) {
+        m_first.reset(vertex_count);
+        m_first.fill(no_normal);
     }
 
+    // The number of a normal of this vertex; a new one is appended.
+    unsigned int add(unsigned int const& vertex, GMathShortNormal const& normal) {
+        unsigned int* next = &m_first[vertex];
+        for (unsigned int length = 0; length < list_length; ++length) {
+            if (*next == no_normal) {
+                *next = m_normals.get_count();  // before append, which moves the list
+                return append(vertex, normal);
+            }
+            if (is_same_normal(m_normals[*next], normal)) {
+                return *next;
+            }
+            next = &m_owners[*next].next;
+        }
+        return add_to_table(vertex, normal);
+    }
+
+    GMathShortNormal const& get_normal(unsigned int const& number) const {
+        return m_normals[number];
+    }
+    unsigned int get_vertex(unsigned int const& number) const { return m_owners[number].vertex; }
     GMathShortNormalArray const& get_normals() const { return m_normals; }
 
   private:
     static constexpr unsigned int no_normal = 0xFFFFFFFFu;
+    static constexpr unsigned int list_length = 4;
+
+    struct Owner {
+        unsigned int vertex;
+        unsigned int next;  // in the vertex's list
+    };
 
     static unsigned short get_canonical(unsigned short const& half) {
         return half == 0x8000u ? static_cast<unsigned short>(0) : half;
@@ -48,11 +66,29 @@ class ExtraNormals {
         return hash ^ hash >> 32;
     }
 
+    unsigned int append(unsigned int const& vertex, GMathShortNormal const& normal) {
+        m_normals.append(normal);
+        m_owners.append({vertex, no_normal});
+        return m_normals.get_count() - 1;
+    }
+
+    unsigned int add_to_table(unsigned int const& vertex, GMathShortNormal const& normal) {
+        if (2ull * m_table_count >= m_slots.get_count()) {
+            grow();
+        }
+        unsigned int const slot = find_slot(vertex, normal);
+        if (m_slots[slot] == no_normal) {
+            m_slots[slot] = append(vertex, normal);
+            ++m_table_count;
+        }
+        return m_slots[slot];
+    }
+
     // The slot that holds the normal, or the free one where it belongs.
     unsigned int find_slot(unsigned int const& vertex, GMathShortNormal const& normal) const {
         unsigned int const mask = m_slots.get_count() - 1;
         unsigned int slot = static_cast<unsigned int>(get_hash(vertex, normal)) & mask;
-        while (m_slots[slot] != no_normal && !(m_vertices[m_slots[slot]] == vertex &&
+        while (m_slots[slot] != no_normal && !(m_owners[m_slots[slot]].vertex == vertex &&
                                                is_same_normal(m_normals[m_slots[slot]], normal))) {
             slot = (slot + 1) & mask;
         }
@@ -61,14 +97,20 @@ class ExtraNormals {
 
     void grow() {
         assert(m_slots.get_count() < 0x80000000u);
-        m_slots.reset(m_slots.is_empty() ? 64 : 2 * m_slots.get_count());
+        CoreArray<unsigned int> old;
+        old.swap(m_slots);
+        m_slots.reset(old.is_empty() ? 64 : 2 * old.get_count());
         m_slots.fill(no_normal);
-        for (unsigned int i = 0; i < m_normals.get_count(); ++i) {
-            m_slots[find_slot(m_vertices[i], m_normals[i])] = i;
+        for (unsigned int const number : old) {
+            if (number != no_normal) {
+                m_slots[find_slot(m_owners[number].vertex, m_normals[number])] = number;
+            }
         }
     }
 
     GMathShortNormalArray m_normals;
-    CoreArray<unsigned int> m_vertices;  // whose normal each is
-    CoreArray<unsigned int> m_slots;     // a power of two of them, at most half in use
+    CoreArray<Owner> m_owners;        // by normal
+    CoreArray<unsigned int> m_first;  // by vertex
+    CoreArray<unsigned int> m_slots;  // a power of two of them, at most half in use
+    unsigned int m_table_count = 0;
 };

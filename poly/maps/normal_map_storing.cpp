@@ -11,15 +11,51 @@ namespace {
 
 constexpr unsigned int absent = CoreIndexArray::absent;
 
-// The flat normals of a primitive: one, or those of a quad's two triangles.
-struct FlatNormals {
-    GMathShortNormal normals[2];
-    unsigned int count;
-
-    bool are_all(GMathShortNormal const& normal) const {
-        return is_same_normal(normals[0], normal) &&
-               (count == 1 || is_same_normal(normals[1], normal));
+// The flat normals of a primitive: one, or those of a quad's two triangles. They are encoded when
+// one is asked for that they may well equal.
+class FlatNormals {
+  public:
+    FlatNormals(GMathVec3<float> const* positions, unsigned int const* vertices,
+                unsigned int const& corner_count)
+        : m_count(corner_count - 2) {
+        GMathVec3<float> const& p = positions[vertices[0]];
+        for (unsigned int half = 0; half < m_count; ++half) {
+            m_directions[half] =
+                gmath_cross(positions[vertices[half + 1]] - p, positions[vertices[half + 2]] - p);
+        }
     }
+
+    // Whether they all equal `normal`, which was encoded from `direction`.
+    bool are_all(GMathShortNormal const& normal, GMathVec3<float> const& direction) {
+        if (is_apart(m_directions[0], direction)) {
+            return false;
+        }
+        if (!m_is_encoded) {
+            for (unsigned int half = 0; half < m_count; ++half) {
+                m_normals[half] = GMathShortNormal::encode(gmath_unit(m_directions[half]));
+            }
+            m_is_encoded = true;
+        }
+        return is_same_normal(m_normals[0], normal) &&
+               (m_count == 1 || is_same_normal(m_normals[1], normal));
+    }
+
+  private:
+    // Vectors of equal code differ by less than 1 / 32767 along each axis, so the sine between them
+    // is below 6e-5. Above 1e-4, which floats tell where no square nears the ends of their range,
+    // the codes differ.
+    static bool is_apart(GMathVec3<float> const& a, GMathVec3<float> const& b) {
+        float const square_a = gmath_dot(a, a);
+        float const square_b = gmath_dot(b, b);
+        GMathVec3<float> const sines = gmath_cross(a, b);
+        return gmath_dot(sines, sines) > 1e-8f * (square_a * square_b) && square_a > 1e-24f &&
+               square_a < 1e30f && square_b > 1e-4f && square_b < 1e4f;
+    }
+
+    GMathVec3<float> m_directions[2];
+    GMathShortNormal m_normals[2];
+    unsigned int m_count;
+    bool m_is_encoded = false;
 };
 
 class NormalMapStore {
@@ -29,7 +65,9 @@ class NormalMapStore {
         : m_map(map),
           m_topology(topology),
           m_points(points),
-          m_goes_by_corner(goes_by_corner(map, topology.polygon_vertex_indices.get_count())) {
+          m_reader(topology),
+          m_goes_by_corner(goes_by_corner(map, topology.polygon_vertex_indices.get_count())),
+          m_extra(points.point_count) {
         m_remap.reset(std::max(points.point_count, map.values.get_count()));
         m_remap.fill(absent);
         m_indices.reset(topology.polygon_vertex_indices.get_count());
@@ -52,56 +90,58 @@ class NormalMapStore {
     void add_primitive(unsigned int const& primitive) {
         unsigned int ids[4];
         unsigned int vertices[4];
-        unsigned int const count = get_primitive_corner_ids(m_topology, primitive, ids);
+        unsigned int const count = m_reader.get_corner_ids(primitive, ids);
         for (unsigned int k = 0; k < count; ++k) {
-            vertices[k] = m_topology.polygon_vertex_indices[ids[k]];
+            vertices[k] = m_reader.get_vertex(ids[k]);
         }
-        FlatNormals const flat = get_flat_normals(vertices, count);
+        FlatNormals flat(m_points.positions.get_data(), vertices, count);
         for (unsigned int k = 0; k < count; ++k) {
             unsigned int const value = m_goes_by_corner ? m_map.indices[ids[k]] : vertices[k];
             m_indices[ids[k]] = get_index(value, vertices[k], flat);
         }
     }
 
-    FlatNormals get_flat_normals(unsigned int const* vertices, unsigned int const& count) const {
-        CoreArray<GMathVec3<float>> const& p = m_points.positions;
-        FlatNormals flat;
-        flat.count = count - 2;
-        for (unsigned int half = 0; half < flat.count; ++half) {
-            flat.normals[half] = GMathShortNormal::encode(
-                compute_flat_normal(p[vertices[0]], p[vertices[half + 1]], p[vertices[half + 2]]));
-        }
-        return flat;
-    }
-
-    // What the corner of `vertex` stores for value number `value`. A value is remembered only where
-    // it equals its vertex's own normal; the other answers depend on the corner.
+    // What the corner of `vertex` stores for value number `value`. The answer is final where the
+    // value equals its vertex's own normal; others depend on the corner, but the number of an extra
+    // normal is good for its vertex.
     unsigned int get_index(unsigned int const& value, unsigned int const& vertex,
-                           FlatNormals const& flat) {
+                           FlatNormals& flat) {
         if (value >= m_map.values.get_count()) {
             return absent;
         }
-        if (m_remap[value] != absent) {
-            return m_remap[value];
+        GMathVec3<float> const& direction = m_map.values[value];
+        unsigned int const known = m_remap[value];
+        if (known < m_points.point_count) {
+            return known;
+        }
+        if (known != absent && m_extra.get_vertex(known - m_points.point_count) == vertex) {
+            return flat.are_all(m_extra.get_normal(known - m_points.point_count), direction)
+                       ? absent
+                       : known;
         }
         // One that floats cannot hold, NaN included, tells no direction.
-        float const length = gmath_length(m_map.values[value]);
+        float const length = gmath_length(direction);
         if (!(length > 0.0f) || !std::isfinite(length)) {
             return absent;
         }
-        GMathShortNormal const normal = GMathShortNormal::encode(m_map.values[value] / length);
+        GMathShortNormal const normal = GMathShortNormal::encode(direction / length);
         if (is_same_normal(normal, m_points.normals[vertex])) {
             m_remap[value] = vertex;
             return vertex;
         }
-        return flat.are_all(normal) ? absent : m_points.point_count + m_extra.add(vertex, normal);
+        if (flat.are_all(normal, direction)) {
+            return absent;
+        }
+        m_remap[value] = m_points.point_count + m_extra.add(vertex, normal);
+        return m_remap[value];
     }
 
     GeometryNormalMap const& m_map;
     PolyMeshTopology const& m_topology;
     GeometryPointCloudData const& m_points;
+    PrimitiveReader m_reader;
     bool m_goes_by_corner;
-    CoreArray<unsigned int> m_remap;    // by value: the index that every corner takes, or absent
+    CoreArray<unsigned int> m_remap;    // by value: an index that a corner took, or absent
     CoreArray<unsigned int> m_indices;  // by corner id
     ExtraNormals m_extra;
 };

@@ -4,9 +4,10 @@
 
 namespace {
 
-// Where the corners of a primitive lie on it, in corner order.
-GMathVec2<float> const triangle_corners[3] = {{0, 0}, {1, 0}, {0, 1}};
-GMathVec2<float> const quad_corners[4] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+// Where the corners of a quad and those of a triangle lie on it, in corner order.
+constexpr unsigned int triangle_place = 4;
+GMathVec2<float> const places_on_primitive[7] = {{0, 0}, {1, 0}, {1, 1}, {0, 1},
+                                                 {0, 0}, {1, 0}, {0, 1}};
 
 }  // namespace
 
@@ -15,20 +16,26 @@ void PolyMesh::build_support_info(AppProgressBar* progress) {
     unsigned int const point_count = m_point_cloud.get_point_count();
     CoreArray<unsigned int> primitives(point_count);
     primitives.fill(CoreIndexArray::absent);
-    CoreArray<GMathVec2<float>> uvs(point_count);
-    uvs.fill({0, 0});
+    CoreArray<unsigned char> places(point_count);
+    places.fill(0);
 
     unsigned int const primitive_count = get_primitive_count();
     set_step_count(progress, primitive_count);
+    PrimitiveReader const reader(*m_topology);
+    unsigned int* const carriers = primitives.get_data();
     for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
         unsigned int vertices[4];
-        unsigned int const count = get_primitive_vertices(*m_topology, primitive, vertices);
-        GMathVec2<float> const* const corners = count == 4 ? quad_corners : triangle_corners;
+        unsigned int const count = reader.get_vertices(primitive, vertices);
+        unsigned int const first_place = count == 4 ? 0 : triangle_place;
         for (unsigned int k = 0; k < count; ++k) {
-            primitives[vertices[k]] = primitive;
-            uvs[vertices[k]] = corners[k];
+            carriers[vertices[k]] = primitive;
+            places[vertices[k]] = static_cast<unsigned char>(first_place + k);
         }
         step(progress, primitive + 1);
+    }
+    CoreArray<GMathVec2<float>> uvs(point_count);
+    for (unsigned int point = 0; point < point_count; ++point) {
+        uvs[point] = places_on_primitive[places[point]];
     }
     GeometryDescriptor support;
     support.geometry = this;

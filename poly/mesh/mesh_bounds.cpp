@@ -1,8 +1,72 @@
 #include <poly/mesh/mesh_bounds.h>
 
+#include <platform/qz_gmath/gmath_float_lanes.h>
 #include <poly/mesh/progress_task.h>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
+
+constexpr unsigned int run_length = 1024;  // of vertices or polygons, between steps of progress
+
+// A box that grows by its three axes side by side. Lanes compare as GMathBbox3 does, so that even
+// the sign of a zero is the one that came first.
+class BoxLanes {
+    using Lanes = GMathFloatLanes;
+
+  public:
+    explicit BoxLanes(GMathBbox3<float> const& box)
+        : m_low(load(box.minimum)), m_high(load(box.maximum)) {}
+
+    // Holds points `begin` to `end`, but stops at the first one that is not finite. Returns where.
+    unsigned int extend_while_finite(GMathVec3<float> const* points, unsigned int const& begin,
+                                     unsigned int const& end) {
+        Lanes low = m_low, high = m_high;  // stay in registers
+        unsigned int i = begin;
+        while (i < end && extend(points[i], low, high)) {
+            ++i;
+        }
+        m_low = low;
+        m_high = high;
+        return i;
+    }
+    // Holds the finite ones of the points that `vertices` names from `begin` to `end`.
+    void extend(GMathVec3<float> const* points, CoreIndexReader const& vertices,
+                unsigned int const& begin, unsigned int const& end) {
+        Lanes low = m_low, high = m_high;
+        for (unsigned int corner = begin; corner < end; ++corner) {
+            extend(points[vertices[corner]], low, high);
+        }
+        m_low = low;
+        m_high = high;
+    }
+    GMathBbox3<float> get_box() const {
+        float low[4];
+        float high[4];
+        m_low.store(low);
+        m_high.store(high);
+        return {{low[0], low[1], low[2]}, {high[0], high[1], high[2]}};
+    }
+
+  private:
+    // False, and nothing else, for a point that is not finite.
+    static bool extend(GMathVec3<float> const& p, Lanes& low, Lanes& high) {
+        Lanes const point = load(p);
+        auto const is_finite = Lanes(std::numeric_limits<float>::max()) >= point.get_absolute();
+        if (is_finite.get_bits() != 0xF) {
+            return false;
+        }
+        low = point.get_less(low);
+        high = point.get_greater(high);
+        return true;
+    }
+
+    static Lanes load(GMathVec3<float> const& p) { return {p.x, p.y, p.z, 0.0f}; }
+
+    Lanes m_low;
+    Lanes m_high;
+};
 
 // Deliberate: the z of the mesh box stays as it was.
 void reset_bounds(PolyMeshGeometry& geometry) {
@@ -25,31 +89,19 @@ void update_mesh_box(CoreBasicArray<GMathVec3<float>> const& positions, GMathBbo
                      AppProgressBar* progress) {
     ProgressTask const task(progress, "compute vertices bbox", 0.3f);
     set_step_count(progress, positions.get_count());
-    GMathBbox3<float> grown = GMathBbox3<float>::get_inverted();
-    for (unsigned int vertex = 0; vertex < positions.get_count(); ++vertex) {
-        if (gmath_isfinite(positions[vertex])) {
-            grown.extend(positions[vertex]);
-        } else {
+    BoxLanes grown(GMathBbox3<float>::get_inverted());
+    unsigned int const vertex_count = positions.get_count();
+    unsigned int vertex = 0;
+    while (vertex < vertex_count) {
+        unsigned int const end = vertex + std::min(run_length, vertex_count - vertex);
+        vertex = grown.extend_while_finite(positions.get_data(), vertex, end);
+        if (vertex < end) {
             log_invalid_vertex(vertex, positions[vertex]);
+            ++vertex;
         }
-        step(progress, vertex + 1);
+        step(progress, vertex);
     }
-    box = grown;
-}
-
-void extend_by_polygon(PolyMeshTopology const& topology,
-                       CoreBasicArray<GMathVec3<float>> const& positions,
-                       unsigned int const& first_corner, unsigned int const& corner_count,
-                       GMathBbox3<float>& box) {
-    GMathBbox3<float> grown = box;
-    unsigned int const end = first_corner + corner_count;
-    for (unsigned int corner = first_corner; corner < end; ++corner) {
-        GMathVec3<float> const& p = positions[topology.polygon_vertex_indices[corner]];
-        if (gmath_isfinite(p)) {
-            grown.extend(p);
-        }
-    }
-    box = grown;
+    box = grown.get_box();
 }
 
 void update_group_boxes(PolyMeshTopology const& topology,
@@ -59,15 +111,26 @@ void update_group_boxes(PolyMeshTopology const& topology,
     unsigned int const polygon_count = topology.polygon_vertex_count.get_count();
     set_step_count(progress, polygon_count);
     boxes.fill(GMathBbox3<float>::get_inverted());
+    CoreIndexReader const groups(topology.polygon_shading_groups);
+    CoreIndexReader const counts(topology.polygon_vertex_count);
+    CoreIndexReader const vertices(topology.polygon_vertex_indices);
     unsigned int corner = 0;
-    for (unsigned int polygon = 0; polygon < polygon_count; ++polygon) {
-        unsigned int const group = topology.polygon_shading_groups[polygon];
-        unsigned int const corner_count = topology.polygon_vertex_count[polygon];
+    unsigned int polygon = 0;
+    while (polygon < polygon_count) {
+        // A run of polygons of one group.
+        unsigned int const group = groups[polygon];
+        unsigned int const run_end = polygon + std::min(run_length, polygon_count - polygon);
+        unsigned int end = corner;
+        do {
+            end += counts[polygon];
+        } while (++polygon < run_end && groups[polygon] == group);
         if (group < boxes.get_count()) {
-            extend_by_polygon(topology, positions, corner, corner_count, boxes[group]);
+            BoxLanes grown(boxes[group]);
+            grown.extend(positions.get_data(), vertices, corner, end);
+            boxes[group] = grown.get_box();
         }
-        corner += corner_count;
-        step(progress, polygon + 1);
+        corner = end;
+        step(progress, polygon);
     }
 }
 

@@ -53,6 +53,8 @@ class PrimitiveBuilder {
     unsigned int build(AppProgressBar* progress) {
         count_primitives();
         allocate();
+        Writers writers(m_topology);
+        m_writers = &writers;
         set_step_count(progress, m_polygons.vertex_count.get_count());
         fill(progress);
         return m_degenerate_count;
@@ -142,8 +144,9 @@ class PrimitiveBuilder {
                           unsigned int const* triangle) {
         add_primitive(polygon, get_cut_info(triangle, n), m_triangle_corner);
         for (unsigned int k = 0; k < 3; ++k) {
-            m_topology.triangle_indices.set(m_triangle_corner++, m_corner + triangle[k]);
+            m_writers->triangle_indices.append(m_corner + triangle[k]);
         }
+        m_triangle_corner += 3;
     }
 
     void add_whole_polygon(unsigned int const& polygon, unsigned int const& n) {
@@ -156,11 +159,21 @@ class PrimitiveBuilder {
     void add_primitive(unsigned int const& polygon, unsigned int const& info,
                        unsigned int const& offset) {
         m_topology.primitive_infos[m_primitive] = static_cast<unsigned char>(info);
-        m_topology.primitive_index_offsets.set(m_primitive, offset);
-        m_topology.primitive_polygon_indices.set(m_primitive, polygon);
-        m_topology.primitive_shading_groups.set(m_primitive, m_polygons.shading_groups[polygon]);
+        m_writers->offsets.append(offset);
+        m_writers->polygon_indices.append(polygon);
+        m_writers->shading_groups.append(m_polygons.shading_groups[polygon]);
         ++m_primitive;
     }
+
+    struct Writers {
+        CoreIndexWriter triangle_indices, offsets, polygon_indices, shading_groups;
+
+        explicit Writers(PolyMeshTopology& topology)
+            : triangle_indices(topology.triangle_indices),
+              offsets(topology.primitive_index_offsets),
+              polygon_indices(topology.primitive_polygon_indices),
+              shading_groups(topology.primitive_shading_groups) {}
+    };
 
     PolyMeshPolygons m_polygons;
     GMathVec3<float> const* m_positions;
@@ -174,6 +187,7 @@ class PrimitiveBuilder {
     unsigned int m_last_cut_corner = 0;    // of the last polygon that is cut
     unsigned int m_last_whole_corner = 0;  // the first one of the last polygon that is not
 
+    Writers* m_writers = nullptr;        // during build
     unsigned int m_corner = 0;           // the first corner of the polygon at hand
     unsigned int m_triangle_corner = 0;  // the next free place of triangle_indices
     unsigned int m_primitive = 0;

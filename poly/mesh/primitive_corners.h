@@ -56,3 +56,54 @@ inline unsigned int get_primitive_vertices(PolyMeshTopology const& topology,
     }
     return count;
 }
+
+// The same for loops over all primitives.
+class PrimitiveReader {
+  public:
+    explicit PrimitiveReader(PolyMeshTopology const& topology)
+        : m_infos(topology.primitive_infos.get_data()),
+          m_offsets(topology.primitive_index_offsets),
+          m_triangle_indices(topology.triangle_indices),
+          m_vertices(topology.polygon_vertex_indices) {}
+
+    unsigned int get_corner_ids(unsigned int const& primitive, unsigned int (&ids)[4]) const {
+        unsigned int const info = m_infos[primitive];
+        unsigned int const offset = m_offsets[primitive];
+        if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
+            ids[0] = m_triangle_indices[offset];
+            ids[1] = m_triangle_indices[offset + 1];
+            ids[2] = m_triangle_indices[offset + 2];
+            return 3;
+        }
+        ids[0] = offset;
+        ids[1] = offset + 1;
+        ids[2] = offset + 2;
+        ids[3] = offset + 3;
+        return (info & PolyMeshPrimitiveInfo::quad_bit) == 0 ? 3 : 4;
+    }
+    unsigned int get_vertices(unsigned int const& primitive, unsigned int (&vertices)[4]) const {
+        unsigned int const info = m_infos[primitive];
+        unsigned int const offset = m_offsets[primitive];
+        if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
+            vertices[0] = m_vertices[m_triangle_indices[offset]];
+            vertices[1] = m_vertices[m_triangle_indices[offset + 1]];
+            vertices[2] = m_vertices[m_triangle_indices[offset + 2]];
+            return 3;
+        }
+        vertices[0] = m_vertices[offset];
+        vertices[1] = m_vertices[offset + 1];
+        vertices[2] = m_vertices[offset + 2];
+        if ((info & PolyMeshPrimitiveInfo::quad_bit) == 0) {
+            return 3;
+        }
+        vertices[3] = m_vertices[offset + 3];
+        return 4;
+    }
+    unsigned int get_vertex(unsigned int const& corner_id) const { return m_vertices[corner_id]; }
+
+  private:
+    unsigned char const* m_infos;
+    CoreIndexReader m_offsets;
+    CoreIndexReader m_triangle_indices;
+    CoreIndexReader m_vertices;
+};

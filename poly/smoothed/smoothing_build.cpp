@@ -58,10 +58,16 @@ class SmoothingBuilder {
     void store(unsigned int const& corner_count, PolyMeshNormalMap& map) {
         map.normals.swap(m_normals);
         assert(map.normals.get_count() <= none - m_vertex_count);
-        map.polygon_indices.init(corner_count, m_vertex_count + map.normals.get_count());
         // Corners that two halves of a quad share keep the result of the second.
+        CoreArray<unsigned int> results(corner_count);
+        results.fill(none);
         for (unsigned int corner = 0; corner < m_results.get_count(); ++corner) {
-            map.polygon_indices.set(m_triangles.corner_ids[corner], m_results[corner]);
+            results[m_triangles.corner_ids[corner]] = m_results[corner];
+        }
+        map.polygon_indices.init(corner_count, m_vertex_count + map.normals.get_count());
+        CoreIndexWriter writer(map.polygon_indices);
+        for (unsigned int const result : results) {
+            writer.append(result);
         }
     }
 

@@ -144,16 +144,22 @@ class EarReach {
 
   private:
     unsigned int find_four_points(float const* x, float const* y) const {
-        return ((FloatLanes(m_max_x) >= FloatLanes(x)) & (FloatLanes(x) >= FloatLanes(m_min_x)) &
-                (FloatLanes(m_max_y) >= FloatLanes(y)) & (FloatLanes(y) >= FloatLanes(m_min_y)))
+        return ((GMathFloatLanes(m_max_x) >= GMathFloatLanes(x)) &
+                (GMathFloatLanes(x) >= GMathFloatLanes(m_min_x)) &
+                (GMathFloatLanes(m_max_y) >= GMathFloatLanes(y)) &
+                (GMathFloatLanes(y) >= GMathFloatLanes(m_min_y)))
             .get_bits();
     }
 
     unsigned int find_four(CornerBoxes const& boxes, unsigned int const& first) const {
-        return ((FloatLanes(m_max_x) >= FloatLanes(boxes.bounds[CornerBoxes::MIN_X] + first)) &
-                (FloatLanes(boxes.bounds[CornerBoxes::MAX_X] + first) >= FloatLanes(m_min_x)) &
-                (FloatLanes(m_max_y) >= FloatLanes(boxes.bounds[CornerBoxes::MIN_Y] + first)) &
-                (FloatLanes(boxes.bounds[CornerBoxes::MAX_Y] + first) >= FloatLanes(m_min_y)))
+        return ((GMathFloatLanes(m_max_x) >=
+                 GMathFloatLanes(boxes.bounds[CornerBoxes::MIN_X] + first)) &
+                (GMathFloatLanes(boxes.bounds[CornerBoxes::MAX_X] + first) >=
+                 GMathFloatLanes(m_min_x)) &
+                (GMathFloatLanes(m_max_y) >=
+                 GMathFloatLanes(boxes.bounds[CornerBoxes::MIN_Y] + first)) &
+                (GMathFloatLanes(boxes.bounds[CornerBoxes::MAX_Y] + first) >=
+                 GMathFloatLanes(m_min_y)))
             .get_bits();
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <poly/topology/float_lanes.h>
+#include <platform/qz_gmath/gmath_float_lanes.h>
 
 // The two questions that ear clipping asks, in the one order of float operations that decides which
 // triangles come out. Corners a, b, c follow one another; the ear is cut off at b.
@@ -37,9 +37,9 @@ struct EarEdge {
 
     // The same for four points.
     auto is_inside(float const* px, float const* py) const {
-        return (FloatLanes(py) - FloatLanes(y)) * FloatLanes(dx) -
-                   (FloatLanes(px) - FloatLanes(x)) * FloatLanes(dy) >=
-               FloatLanes(0.0f);
+        return (GMathFloatLanes(py) - GMathFloatLanes(y)) * GMathFloatLanes(dx) -
+                   (GMathFloatLanes(px) - GMathFloatLanes(x)) * GMathFloatLanes(dy) >=
+               GMathFloatLanes(0.0f);
     }
 };
 

@@ -1,7 +1,14 @@
+#include <poly/maps/normal_maps.h>
+#include <poly/mesh/primitive_corners.h>
+#include <tests/log_capture.h>
 #include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <tuple>
 
 namespace {
 
@@ -22,7 +29,100 @@ Shape make_fold() {
 
 Points const fold_values{{0, 0, 2}, {3, 0, 0}, {1, 0, 1}, {0, 0, 0}, {0, -5, 0}};
 
+// What a map by corner stores, each corner asked on its own.
+struct PlainNormalMap {
+    using Key = std::tuple<unsigned int, float, float, float>;
+
+    Numbers indices;
+    std::map<Key, unsigned int> extra;
+    std::map<unsigned int, unsigned int> own;  // values that equal their vertex's normal
+
+    PlainNormalMap(PolyMesh const& mesh, GeometryNormalMap const& map)
+        : indices(mesh.get_polygon_index_count(), absent) {
+        GeometryPointCloudData const& points = mesh.get_point_cloud()->get_data();
+        for (unsigned int primitive = 0; primitive < mesh.get_primitive_count(); ++primitive) {
+            unsigned int ids[4], v[4];
+            unsigned int const count =
+                get_primitive_corner_ids(mesh.get_topology(), primitive, ids);
+            get_primitive_vertices(mesh.get_topology(), primitive, v);
+            std::vector<Key> flat;
+            for (unsigned int k = 2; k < count; ++k) {
+                flat.push_back(get_key(0, GMathShortNormal::encode(compute_flat_normal(
+                                              points.positions[v[0]], points.positions[v[k - 1]],
+                                              points.positions[v[k]]))));
+            }
+            for (unsigned int k = 0; k < count; ++k) {
+                unsigned int const value = map.indices[ids[k]];
+                indices[ids[k]] = absent;
+                float const length =
+                    value < map.values.get_count() ? gmath_length(map.values[value]) : 0;
+                if (own.count(value) != 0) {
+                    indices[ids[k]] = own[value];
+                } else if (length > 0 && std::isfinite(length)) {
+                    GMathShortNormal const n = GMathShortNormal::encode(map.values[value] / length);
+                    if (get_key(0, n) == get_key(0, points.normals[v[k]])) {
+                        indices[ids[k]] = own[value] = v[k];
+                    } else if (flat != std::vector<Key>(flat.size(), get_key(0, n))) {
+                        unsigned int const next =
+                            points.point_count + static_cast<unsigned int>(extra.size());
+                        indices[ids[k]] = extra.try_emplace(get_key(v[k], n), next).first->second;
+                    }
+                }
+            }
+        }
+    }
+    static Key get_key(unsigned int const& vertex, GMathShortNormal const& normal) {
+        GMathVec3<float> const n = normal.decode();
+        return {vertex, n.x + 0.0f, n.y + 0.0f, n.z + 0.0f};  // -0 as +0
+    }
+};
+
 }  // namespace
+
+TEST(NormalMaps, StoreWhatAPlainSearchStores) {
+    LogCapture const quiet(1);
+    unsigned int kinds[3] = {};  // of what corners store: flat, own, extra
+    for (unsigned int seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        Shape shape = make_soup(seed);
+        float const scale = std::ldexp(0.37f, static_cast<int>(seed % 7) * 10 - 30);
+        for (GMathVec3<float>& p : shape.positions) {
+            p = p * scale;
+        }
+        shape.normal_maps.clear();
+        PolyMesh mesh;
+        shape.set(mesh);
+        // Values next to flat normals and those of vertices, of all lengths; some are one.
+        GeometryNormalMap map;
+        GeometryPointCloudData const& points = mesh.get_point_cloud()->get_data();
+        for (unsigned int i = 0; i < 40; ++i) {
+            unsigned int v[4];
+            get_primitive_vertices(mesh.get_topology(),
+                                   static_cast<unsigned int>(random()) % mesh.get_primitive_count(),
+                                   v);
+            GMathVec3<float> n = compute_flat_normal(points.positions[v[0]], points.positions[v[1]],
+                                                     points.positions[v[2]]);
+            n = i % 3 == 0 ? points.normals[v[0]].decode() : n;
+            float const tilt = std::ldexp(static_cast<float>(random() % 100), -10 - int(i % 15));
+            n = GMathVec3<float>(n.x + tilt, n.y, n.z) *
+                (i % 5 == 0 ? std::ldexp(1.0f, static_cast<int>(random() % 130) - 65) : 1.0f);
+            map.values.append(n);
+        }
+        for (unsigned int i = 0; i < mesh.get_polygon_index_count(); ++i) {
+            map.indices.append(static_cast<unsigned int>(random() % (seed % 2 == 0 ? 42 : 7)));
+        }
+        PolyMeshNormalMap stored;
+        store_normal_map(map, mesh.get_topology(), points, stored, nullptr);
+        PlainNormalMap const expected(mesh, map);
+        ASSERT_EQ(take(stored.polygon_indices), expected.indices);
+        ASSERT_EQ(stored.normals.get_count(), expected.extra.size());
+        for (unsigned int const index : expected.indices) {
+            ++kinds[index == absent ? 0 : index < points.point_count ? 1 : 2];
+        }
+    }
+    EXPECT_GT(std::min({kinds[0], kinds[1], kinds[2]}), 100u);
+}
 
 TEST(NormalMaps, StoreOnlyWhatOtherNormalsDoNotSay) {
     struct Row {

@@ -8,6 +8,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace {
@@ -153,6 +154,41 @@ TEST(MeshNormals, SumUpAreasAndTheirSpread) {
     expect_equal(mesh.get_geometry().mesh_normal, {0, 0, 1, 0});
     make_corner().set(mesh);  // two faces at a right angle
     expect_equal(mesh.get_geometry().mesh_normal, {0.5f, 0, 0.5f, 1});
+}
+
+TEST(MeshBounds, GrowByOnePointAfterTheOther) {
+    LogCapture const quiet(1);
+    for (unsigned int seed = 0; seed < 100; ++seed) {
+        Shape shape = make_soup(seed);
+        for (GMathVec3<float>& p : shape.positions) {
+            p = p * (seed % 3 == 0 ? -0.0f : 1.0f);  // zeros of either sign: the first one stays
+        }
+        shape.positions[seed % 12].y = seed % 2 == 0 ? infinity : std::nanf("");
+        PolyMesh mesh;
+        shape.set(mesh);
+        std::vector<GMathBbox3<float>> boxes(4, GMathBbox3<float>::get_inverted());
+        auto const extend = [&](unsigned int const& box, GMathVec3<float> const& p) {
+            if (gmath_isfinite(p)) {
+                boxes[box].extend(p);
+            }
+        };
+        unsigned int corner = 0;
+        for (unsigned int polygon = 0; polygon < shape.groups.size(); ++polygon) {
+            for (unsigned int k = 0; k < shape.vertex_count[polygon]; ++k) {
+                extend(shape.groups[polygon], shape.positions[shape.vertex_indices[corner++]]);
+            }
+        }
+        boxes[3] = GMathBbox3<float>::get_inverted();  // group 3 has no name
+        for (GMathVec3<float> const& p : shape.positions) {
+            extend(3, p);
+        }
+        PolyMeshGeometry const& geometry = mesh.get_geometry();
+        for (unsigned int i = 0; i < 4; ++i) {
+            GMathBbox3<float> const& box =
+                i < 3 ? geometry.shading_group_bbox[i] : geometry.mesh_bbox;
+            EXPECT_EQ(std::memcmp(&box, &boxes[i], sizeof box), 0) << seed << " " << i;
+        }
+    }
 }
 
 TEST(MeshBounds, LeaveOutVerticesThatAreNotFinite) {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <vector>
 
 namespace {
@@ -137,4 +138,27 @@ TEST(GeometryPointCloud, GivesCopiesAnEmptySampleCache) {
     cloud.set_deformation(sampling, nullptr);
     EXPECT_FALSE(cloud.is_animated());
     EXPECT_EQ(cloud.get_memory_size(), still);
+}
+
+TEST(GeometryPointCloud, EncodesEveryNormalAsAlone) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    float const odd[] = {0.0f, -0.0f, 1e-45f, -1e-30f, 1e19f, -3e38f, infinity, -infinity, NAN};
+    std::mt19937 random(1);
+    std::vector<Vec> normals;
+    auto const get_value = [&] {
+        float const value = static_cast<float>(random()) / 0x1p31f - 1.0f;
+        return random() % 20 == 0 ? odd[random() % std::size(odd)] : value;
+    };
+    for (unsigned int i = 0; i < 10003; ++i) {
+        normals.push_back({get_value(), get_value(), get_value()});
+    }
+    GeometryPointCloud cloud(static_cast<unsigned int>(normals.size()));
+    cloud.init_normals(view(normals), false);
+    for (unsigned int i = 0; i < normals.size(); ++i) {
+        float const length = gmath_length(normals[i]);
+        GMathShortNormal const expected = length > 0.0f
+                                              ? GMathShortNormal::encode(normals[i] * (1 / length))
+                                              : GMathShortNormal{0, 0, 0};
+        ASSERT_EQ(cloud.get_data().normals[i], expected) << i;
+    }
 }
