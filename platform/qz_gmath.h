@@ -1,9 +1,10 @@
 #pragma once
 
-// qz_gmath: vectors, boxes, matrices, time samplings, rays and packed normals.
+// qz_gmath: vectors, boxes, matrices, time samplings, rays, packed normals and lanes.
 
 #include <platform/qz_gmath/gmath_basic_ray.h>
 #include <platform/qz_gmath/gmath_bbox3.h>
+#include <platform/qz_gmath/gmath_float_lanes.h>
 #include <platform/qz_gmath/gmath_half_float_converter.h>
 #include <platform/qz_gmath/gmath_matrix.h>
 #include <platform/qz_gmath/gmath_scalar.h>

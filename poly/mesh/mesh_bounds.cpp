@@ -1,6 +1,6 @@
 #include <poly/mesh/mesh_bounds.h>
 
-#include <platform/qz_gmath/gmath_float_lanes.h>
+#include <platform/qz_gmath.h>
 #include <poly/mesh/progress_task.h>
 
 #include <algorithm>

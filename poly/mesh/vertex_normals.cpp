@@ -1,6 +1,6 @@
 #include <poly/mesh/vertex_normals.h>
 
-#include <platform/qz_gmath/gmath_float_lanes.h>
+#include <platform/qz_gmath.h>
 #include <poly/mesh/primitive_corners.h>
 #include <poly/mesh/progress_task.h>
 

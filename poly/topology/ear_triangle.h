@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/qz_gmath/gmath_float_lanes.h>
+#include <platform/qz_gmath.h>
 
 // The two questions that ear clipping asks, in the one order of float operations that decides which
 // triangles come out. Corners a, b, c follow one another; the ear is cut off at b.
