@@ -19,11 +19,12 @@ set(layers
     "poly/smoothed: poly poly/(topology|mesh|maps|render) platform/.*"
     "poly/module: poly poly/.* platform/.*"
     "tools/.*: tools/.* poly poly/.* platform/.*"
+    "python: python tools/qzpoly poly poly/(mesh|module) platform/.*"
     "examples(/own_platform.*)?: poly poly/(mesh|smoothed|property|module) platform/.*"
     "(tests|bench|fuzz).*: .*"
 )
 
-set(code_folders poly platform tools examples tests bench fuzz)
+set(code_folders poly platform tools python examples tests bench fuzz)
 list(JOIN code_folders "|" code_folders_pattern)
 
 # The folder in the table that a file belongs to; an umbrella header belongs to its library.
