@@ -1,3 +1,4 @@
+#include <poly/mesh/triangle_normals.h>
 #include <poly/mesh/vertex_normals.h>
 #include <tests/log_capture.h>
 #include <tests/mesh_invariants.h>
@@ -5,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <random>
 
 namespace {
 
@@ -144,6 +147,32 @@ TEST(MeshNormals, AreToTheBitThoseOfAPlainSum) {
             EXPECT_EQ(bits(sums[i].y), bits(expected.vertices[i][1])) << i;
             EXPECT_EQ(bits(sums[i].z), bits(expected.vertices[i][2])) << i;
             EXPECT_EQ(mesh.get_point_cloud()->get_data().normals[i], cloud.get_data().normals[i]);
+        }
+    }
+}
+
+TEST(MeshNormals, AreTheSameByEveryProcessor) {
+    float const odd[] = {0.0f, -0.0f, 1e-45f, 1e-20f, -1e19f, 3e38f, infinity, std::nanf("")};
+    std::mt19937 random(1);
+    for (unsigned int round = 0; round < 3000; ++round) {
+        std::vector<GMathVec3<float>> points(10);
+        for (GMathVec3<float>& p : points) {
+            for (float* value : {&p.x, &p.y, &p.z}) {
+                *value = random() % 32 == 0 ? odd[random() % std::size(odd)]
+                                            : static_cast<float>(random()) / 0x1p31f - 1.0f;
+            }
+        }
+        unsigned int corners[3][TriangleNormals::count];
+        for (auto& row : corners) {
+            std::generate(std::begin(row), std::end(row),
+                          [&] { return static_cast<unsigned int>(random() % 10); });
+        }
+        TriangleNormals plain, fast;
+        compute_triangle_normals(points.data(), corners, plain);
+        get_fastest_triangle_normals()(points.data(), corners, fast);
+        for (unsigned int i = 0; i < sizeof plain / sizeof(float); ++i) {
+            ASSERT_EQ(bits((&plain.weighted[0][0][0])[i]), bits((&fast.weighted[0][0][0])[i]))
+                << round << " " << i;
         }
     }
 }
