@@ -47,7 +47,8 @@ TrianglesWork make_assimp_import(std::string const& path);
 
 // Vertex normals from face normals.
 NormalsWork make_openmesh_normals(BenchMesh const& mesh);
-NormalsWork make_cgal_normals(BenchMesh const& mesh);
+// From polygons, or from a mesh of its own that is built before.
+NormalsWork make_cgal_normals(BenchMesh const& mesh, bool const& builds_mesh);
 // By corner, smooth across edges below an angle, in degrees; from an OBJ file.
 NormalsWork make_assimp_smoothing(std::string const& path, float const& angle);
 

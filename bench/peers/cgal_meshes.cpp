@@ -34,13 +34,17 @@ void build(BenchMesh const& input, Mesh& mesh) {
 
 }  // namespace
 
-NormalsWork make_cgal_normals(BenchMesh const& mesh) {
+NormalsWork make_cgal_normals(BenchMesh const& mesh, bool const& builds_mesh) {
     auto const work = std::make_shared<Normals>();
-    build(mesh, work->mesh);
-    work->map =
-        work->mesh
-            .add_property_map<Mesh::Vertex_index, Kernel::Vector_3>("v:normal", CGAL::NULL_VECTOR)
-            .first;
+    auto const build_mesh = [=, &mesh] {
+        work->mesh = Mesh();
+        build(mesh, work->mesh);
+        work->map = work->mesh
+                        .add_property_map<Mesh::Vertex_index, Kernel::Vector_3>("v:normal",
+                                                                                CGAL::NULL_VECTOR)
+                        .first;
+    };
+    build_mesh();
     auto const get_normals = [=] {
         std::vector<GMathVec3<float>> normals;
         for (auto const vertex : work->mesh.vertices()) {
@@ -50,8 +54,13 @@ NormalsWork make_cgal_normals(BenchMesh const& mesh) {
         }
         return normals;
     };
-    return {[=] { CGAL::Polygon_mesh_processing::compute_vertex_normals(work->mesh, work->map); },
-            get_normals};
+    auto const compute = [=] {
+        if (builds_mesh) {
+            build_mesh();
+        }
+        CGAL::Polygon_mesh_processing::compute_vertex_normals(work->mesh, work->map);
+    };
+    return {compute, get_normals};
 }
 
 std::shared_ptr<void> build_cgal_mesh(BenchMesh const& mesh) {

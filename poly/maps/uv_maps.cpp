@@ -6,8 +6,18 @@
 
 namespace {
 
-// Deliberate: an index equal to the count stays, though it names no value either.
-void clear_invalid_indices(CoreIndexArray& indices, unsigned int const& value_count) {
+// `given` are the indices before they were packed: one look at them mostly shows that all are
+// valid. Deliberate: an index equal to the count stays, though it names no value either.
+void clear_invalid_indices(CoreIndexArray& indices, CoreBasicArray<unsigned int> const& given,
+                           unsigned int const& value_count) {
+    unsigned int const limit = value_count;
+    bool is_any_invalid = false;
+    for (unsigned int const index : given) {
+        is_any_invalid |= (index > limit) & (index != CoreIndexArray::absent);
+    }
+    if (!is_any_invalid) {
+        return;
+    }
     for (unsigned int corner = 0; corner < indices.get_count(); ++corner) {
         if (indices[corner] > value_count) {
             indices.set_absent(corner);
@@ -19,14 +29,14 @@ void clear_invalid_indices(CoreIndexArray& indices, unsigned int const& value_co
 
 void PolyMesh::assign_uv_maps(CoreBasicArray<GeometryUvMap> const& uv_maps,
                               unsigned int const& vertex_count) {
-    assign_maps(uv_maps, vertex_count, *m_topology, m_topology->uv_maps,
-                [this](GeometryUvMap const& map, PolyMeshUvMap& entry) {
-                    if (owns_indices(entry, *m_topology)) {
-                        clear_invalid_indices(*entry.polygon_indices, map.values.get_count());
-                    }
-                    compress_uv_values(*m_topology, *entry.polygon_indices, map.values,
-                                       entry.values);
-                });
+    assign_maps(
+        uv_maps, vertex_count, *m_topology, m_topology->uv_maps,
+        [this](GeometryUvMap const& map, PolyMeshUvMap& entry) {
+            if (owns_indices(entry, *m_topology)) {
+                clear_invalid_indices(*entry.polygon_indices, map.indices, map.values.get_count());
+            }
+            compress_uv_values(*m_topology, *entry.polygon_indices, map.values, entry.values);
+        });
 }
 
 unsigned int PolyMesh::get_uv_map_count() const { return m_topology->uv_maps.get_count(); }

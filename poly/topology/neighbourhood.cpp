@@ -1,6 +1,6 @@
 #include <poly/topology/neighbourhood.h>
 
-#include <poly/topology/edge_table.h>
+#include <poly/topology/edge_lists.h>
 
 #include <algorithm>
 
@@ -18,22 +18,16 @@ class EqualFaces {
         : m_vertices(indices.get_data()),
           m_neighbours(neighbours.get_data()),
           m_count(indices.get_count() / face_size) {
-        // What does not make up a face.
-        std::fill(m_neighbours + m_count * face_size, neighbours.end(), none);
+        neighbours.fill(none);
     }
 
     unsigned int get_count() const { return m_count; }
-    unsigned int get_edge_count() const { return m_count * face_size; }
     constexpr unsigned int get_size(unsigned int const&) const { return face_size; }
     unsigned int const* get_vertices(unsigned int const& face) const {
         return m_vertices + face * face_size;
     }
     Edge get_edge(unsigned int const& face, unsigned int const& k) const {
         return face * face_size + k;
-    }
-
-    void clear(unsigned int const& face) {
-        std::fill_n(m_neighbours + face * face_size, face_size, none);
     }
 
     // Takes `edge` into the ring of `first`, the first edge on the same two vertices.
@@ -66,19 +60,11 @@ class PolygonFaces {
     CoreArray<unsigned char>& edge_manifold;
 
     unsigned int get_count() const { return sizes.get_count(); }
-    unsigned int get_edge_count() const { return vertices.get_count(); }
     unsigned int get_size(unsigned int const& face) const { return sizes[face]; }
     unsigned int const* get_vertices(unsigned int const& face) const {
         return vertices.get_data() + offsets[face];
     }
     Edge get_edge(unsigned int const& face, unsigned int const& k) const { return {face, k}; }
-
-    void clear(unsigned int const& face) {
-        unsigned int const offset = offsets[face];
-        std::fill_n(neighbour_polygons.get_data() + offset, sizes[face], none);
-        std::fill_n(neighbour_edges.get_data() + offset, sizes[face], none);
-        std::fill_n(edge_manifold.get_data() + offset, sizes[face], static_cast<unsigned char>(0));
-    }
 
     void link(Edge const& edge, Edge const& first) {
         unsigned int const slot = offsets[edge.polygon] + edge.k;
@@ -135,21 +121,25 @@ void link_edges(Faces& faces, unsigned int const& vertex_count, AppProgressBar* 
     if (progress) {
         progress->set_step_count(face_count);
     }
-    EdgeTable<Edge> table(vertex_count, faces.get_edge_count());
+    EdgeLists<Edge> lists(vertex_count);
     for (unsigned int face = 0; face < face_count; ++face) {
-        faces.clear(face);
+        if (is_valid(faces, face)) {
+            visit_edges(faces, face,
+                        [&](unsigned int, unsigned int a, unsigned int b) { lists.count(a, b); });
+        }
+    }
+    lists.finish_counting();
+    for (unsigned int face = 0; face < face_count; ++face) {
         if (is_valid(faces, face)) {
             visit_edges(faces, face, [&](unsigned int k, unsigned int a, unsigned int b) {
-                Edge const edge = faces.get_edge(face, k);
-                if (Edge const* const first = table.find_or_add(a, b, edge)) {
-                    faces.link(edge, *first);
-                }
+                lists.add(a, b, faces.get_edge(face, k));
             });
         }
         if (progress) {
             progress->step(face + 1);
         }
     }
+    lists.link_all([&](Edge const& edge, Edge const& first) { faces.link(edge, first); });
 }
 
 template <unsigned int face_size>
@@ -185,6 +175,9 @@ void compute_polygons_neighbourhood(CoreArray<unsigned int>& neighbour_polygons,
     neighbour_polygons.reset(polygon_vertex_indices.get_count());
     neighbour_edges.reset(polygon_vertex_indices.get_count());
     edge_manifold.reset(polygon_vertex_indices.get_count());
+    neighbour_polygons.fill(none);
+    neighbour_edges.fill(none);
+    edge_manifold.fill(0);
     PolygonFaces faces{polygon_vertex_indices, polygon_vertex_count, polygon_offsets,
                        neighbour_polygons,     neighbour_edges,      edge_manifold};
     link_edges(faces, vertex_count, progress);
