@@ -4,6 +4,7 @@
 
 #include <platform/qz_lwo.h>
 #include <platform/qz_lwo/lwo_object.h>
+#include <platform/qz_lwo/lwo_surface_colors.h>
 
 namespace {
 
@@ -24,6 +25,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     static CoreString const path(file.get_path().c_str());
     CoreLogHandler::get_main().set_level(0);
     unsigned int point_count = 0;
+    CoreArray<CoreString> names;
+    CoreArray<GMathVec3<float>> colors;
+    lwo_read_surface_colors(bytes, size, names, colors);
     load_from_memory(bytes, size, "L1", point_count);
     bool const is_loaded = load_from_memory(bytes, size, "", point_count);
     file.write(bytes, size);

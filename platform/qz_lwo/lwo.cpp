@@ -3,6 +3,7 @@
 #include <platform/qz_lwo/lwo_file.h>
 #include <platform/qz_lwo/lwo_form.h>
 #include <platform/qz_lwo/lwo_object.h>
+#include <platform/qz_lwo/lwo_surface_colors.h>
 #include <platform/qz_sys.h>
 
 #include <filesystem>
@@ -37,5 +38,22 @@ bool Lwo::load(CoreString const& path, CoreString const& item_name,
     shading_group_names.swap(mesh.group_names);
     uv_maps.swap(mesh.uv_maps);
     normal_maps.swap(mesh.normal_maps);
+    return true;
+}
+
+bool Lwo::load_surface_colors(CoreString const& path, CoreArray<CoreString>& names,
+                              CoreArray<GMathVec3<float>>& colors) {
+    LwoReport report(path, nullptr);
+    LwoFile file;
+    LwoForm form;
+    if (!file.read(path, report) ||
+        !lwo_read_form(file.get_bytes(), file.get_size(), form, report)) {
+        return false;
+    }
+    CoreArray<CoreString> new_names;
+    CoreArray<GMathVec3<float>> new_colors;
+    lwo_read_surface_colors(file.get_bytes(), file.get_size(), new_names, new_colors);
+    names.swap(new_names);
+    colors.swap(new_colors);
     return true;
 }

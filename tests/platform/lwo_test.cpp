@@ -1,5 +1,6 @@
 #include <tests/platform/lwo_refusals.h>
 
+#include <platform/qz_lwo/lwo_surface_colors.h>
 #include <platform/qz_sys.h>
 
 #include <gtest/gtest.h>
@@ -137,6 +138,45 @@ std::string write(Bytes const& bytes) {
     EXPECT_TRUE(file.open(path.c_str(), SysFile::MODE_WRITE));
     EXPECT_TRUE(file.write(bytes.data(), bytes.size()));
     return path;
+}
+
+Bytes f8(std::vector<double> const& values) {
+    Bytes bytes;
+    for (double const& value : values) {
+        auto const bits = std::bit_cast<std::uint64_t>(value);
+        bytes += big_endian(static_cast<unsigned int>(bits >> 32), 4);
+        bytes += big_endian(static_cast<unsigned int>(bits), 4);
+    }
+    return bytes;
+}
+
+TEST(Lwo, FindsColorsOfSurfaces) {
+    Bytes const named = chunk("    ", s0("Sky") + s0(""));
+    Bytes const value = chunk("    ", big_endian(3, 4) + f8({1, 0.2f, 0}));
+    Bytes const entry = chunk("FORM", "ENTR" + chunk("NAME", s0("Color")) +
+                                          chunk("FORM", "VALU" + chunk("    ", s0("v")) + value));
+    Bytes const forms[] = {
+        form("LWOB", chunk("SURF", s0("Sky") + "COLR" + u2({4, 0xFF33, 0}))),
+        object(chunk("SURF", "Void") +
+               chunk("SURF", s0("Sky") + s0("") + "DIFF" + Bytes("\0\1x\0", 4) + "COLR" + u2({14}) +
+                                 f4({1, 0.2f, 0}) + u2({0}))),
+        form("LWO3", chunk("FORM", "SURF" + named + chunk("NAME", s0("No")) + entry)),
+    };
+    auto const find = [](Bytes const& bytes) {
+        CoreArray<CoreString> names;
+        CoreArray<GMathVec3<float>> colors;
+        std::vector<unsigned char> const block(bytes.begin(), bytes.end());
+        lwo_read_surface_colors(block.data(), block.size(), names, colors);
+        bool const is_found = names.get_count() == 1 && names[0] == CoreString("Sky") &&
+                              colors[0].x == 1 && colors[0].y == 0.2f && colors[0].z == 0;
+        return is_found ? 1 : -static_cast<int>(names.get_count());
+    };
+    for (Bytes const& whole : forms) {
+        EXPECT_EQ(find(whole), 1) << whole.substr(8, 4);
+        for (std::size_t size = 0; size < whole.size() - 2; ++size) {
+            EXPECT_EQ(find(whole.substr(0, size)), 0) << whole.substr(8, 4) << size;
+        }
+    }
 }
 
 TEST(LwoFiles, AreKnownByContent) {
