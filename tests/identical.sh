@@ -1,6 +1,6 @@
 #!/bin/sh
 # identical.sh PROGRAM... -- FILE...
-# Dumps, packs and probes every file, and a few spheres, and draws some, by every build of the
+# Dumps, packs, checks, converts and probes every file, and a few spheres, and draws some, by every build of the
 # program: all must give the same bytes. The names of the programs hold no blanks.
 set -eu
 
@@ -65,6 +65,7 @@ compare_mesh() {
     compare dump "$@" --smooth 0 --smooth 30 --smooth 180
     compare dump "$@" --no-check-quads --digest
     compare pack "$@" -o "$made"
+    compare check "$@" --json --places 20
     compare probe "$@" --batch --smooth 30 --spin 30
     worst_status=2 # where there is no such primitive
     compare probe "$@" --primitive 7 --st 0.2 0.3 --json
@@ -73,8 +74,11 @@ compare_mesh() {
 
 for file; do
     compare_mesh "$file"
+    compare convert "$file" "$made"
     if [ -n "$(find "$file" -size +20k -size -70k)" ]; then
         compare_pictures "$file" --smooth 30 --spin 20 --edges
+        compare_pictures "$file" --ambient-occlusion 2 --camera three-quarter
+        compare turntable "$file" --frames 3 --size 64 48 --samples 2 -o "$made"
     fi
 done
 for sphere in '0 0' '7 5 1 2 3' '200 100'; do

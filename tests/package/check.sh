@@ -55,6 +55,9 @@ for build in "$shared" "$static"; do
     mv "$folder/first place" "$folder/${build##*/}"
     check_paths "$folder/${build##*/}"
     check_tree "$folder/${build##*/}"
+    quietly test -s "$folder/${build##*/}/share/man/man1/qzpoly.1"
+    quietly bash -c 'source "$1" && complete -p qzpoly' bash \
+        "$folder/${build##*/}/share/bash-completion/completions/qzpoly"
 done
 # Its libraries and its model are found beside it.
 quietly env -i "$folder/${shared##*/}/bin/qzpoly" render --size 16 16 -o "$folder/picture.png"
@@ -63,6 +66,7 @@ in_bare apt-get update
 quietly cp "$package" "$bare/tmp/qz.deb"
 in_bare apt-get install -y --no-install-recommends /tmp/qz.deb
 in_bare qzpoly --version
+in_bare test -s /usr/share/man/man1/qzpoly.1 -a -s /usr/share/bash-completion/completions/qzpoly
 in_bare qzpoly render --sphere 8 4 --size 16 16 -o /tmp/picture.png
 check_tree "$bare/usr"
 in_bare apt-get purge -y --autoremove qz-poly

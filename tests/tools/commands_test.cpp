@@ -6,8 +6,14 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <sstream>
 
 namespace {
+
+std::string read_source_file(std::string const& name) {
+    std::ifstream file(QZPOLY_SOURCE_FOLDER "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 TEST(Commands, VisibleEqualsThePlainCount) {
     ToolFolder const folder;
@@ -143,6 +149,69 @@ TEST(Commands, DumpHasTheFewestDigitsThatReadBack) {
     EXPECT_NE(run_tool({"dump", file})
                   .output.find("[1.2345679e+08,1e+05,-0,0.1,16777216,1e-45,7.3e+27,null,-1e999]"),
               std::string::npos);
+}
+
+// A mesh that was converted and read back is the same in every array.
+TEST(Commands, ConvertKeepsTheMesh) {
+    using namespace lwo_building;
+    ToolFolder const folder;
+    std::string const tail =
+        "vt 0.1 -0 0.3\nvt 1e-30 3.4e38\nvn 0 0.6 0.8\nusemtl  a  b\nf 1/1/1 2 3//1 4/2\n"
+        "usemtl\nf 9 8 7\nt crease 2/1/0 0 8 2.5\nec 1e-7 1 2\n";
+    Bytes const by_corner = chunk("VMAD", uv_head("uv") + u2({1, 0}) + f4({0.5, 1}));
+    Bytes const tags_of_two = chunk("TAGS", s0("Sky") + s0(" Ink "));
+    struct Row {
+        char const* what;
+        std::string text;
+        char const* warning;
+    };
+    std::vector<Row> const rows = {
+        {"plain", make_block(0.1), ""},
+        {"everything", make_block(1.0 / 3) + tail, ""},
+        {"colors", "v 0 0 0 1 0.5 0\nv 1e-45 inf nan 0 0 0 0.25\nv 3 4 5\nf 1 2 3\n", ""},
+        {"what has no place", "o a\ng b\ns 1\n" + make_block(0) + "l 1 2\n",
+         "1 of g, 1 of l, 1 of o, 1 of s"},
+        {"LightWave",
+         object(tags_of_two + faces({4, 0, 1, 2, 3, 3, 0, 1, 2}) + by_corner + tags({0, 0})), ""},
+        {"names of maps", object(faces({4, 0, 1, 2, 3}) + uv({0}, {0, 1})), "U becomes uv"},
+        {"names of groups", object(tags_of_two + faces({4, 0, 1, 2, 3}) + tags({0, 1})), "' Ink '"},
+    };
+    std::string const out = folder.get_path("out.obj");
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.what);
+        std::string const file = folder.write("in", row.text);
+        ToolRun const run = run_tool({"convert", file, out});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_NE(run.errors.find(row.warning), std::string::npos) << run.errors;
+        if (!std::string(row.what).starts_with("names")) {
+            EXPECT_EQ(run.errors.empty(), *row.warning == '\0') << run.errors;
+            EXPECT_EQ(run_tool({"dump", out}).output, run_tool({"dump", file}).output);
+            std::string const text = folder.read("out.obj");
+            EXPECT_EQ(run_tool({"convert", out, out}).status, 0);
+            EXPECT_EQ(folder.read("out.obj"), text);
+        }
+    }
+    EXPECT_EQ(run_tool({"convert", out, out, "--uv-map", "1"}).status, 2);
+}
+
+// Help, manual page and completion know every subcommand.
+TEST(Commands, AreAllDocumented) {
+    std::string const help = run_tool({"--help"}).output;
+    std::string const shell = read_source_file("complete.bash");
+    std::string const manual = read_source_file("qzpoly.1");
+    std::istringstream lines(help.substr(help.find("Subcommands:") + 12));
+    unsigned int count = 0;
+    for (std::string name; lines >> name; ++count) {
+        SCOPED_TRACE(name);
+        EXPECT_NE(run_tool({name, "--help"}).output.find("\n  qzpoly " + name), std::string::npos);
+        EXPECT_NE(shell.find(name), std::string::npos);
+        EXPECT_NE(manual.find(".TP\n.B " + name + "\n"), std::string::npos);
+        std::getline(lines, name);
+        if (lines.peek() == '\n') {
+            break;
+        }
+    }
+    EXPECT_GE(count, 11u);
 }
 
 }  // namespace

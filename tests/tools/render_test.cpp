@@ -1,5 +1,7 @@
 #include <tests/tools/run_tool.h>
 
+#include <gif_lib.h>
+
 namespace {
 
 // Renders small, and gives the bytes of the picture.
@@ -46,6 +48,9 @@ TEST(Render, SearchByBoxesMissesNothing) {
         {block, "--shade", "group"},
         {block, "--camera", "top"},
         {block, "--camera", "left", "--turn", "30", "--up", "0", "0", "1"},
+        {block, "--ambient-occlusion"},
+        {"--ambient-occlusion", block, "--shutter", "0", "1"},
+        {block, "--ambient-occlusion", "1", "--background", "30507A"},
         {block, "--motion"},
         {block, "--spin", "-50", "--velocity", "-1", "0.3", "0", "--shutter", "-1", "2"},
         {"--frames", block, middle, end},
@@ -95,6 +100,127 @@ TEST(Render, BrokenMeshesGivePictures) {
         EXPECT_GT(render(folder, {folder.write("broken.obj", text), "--motion", "--edges"}).size(),
                   100u);
     }
+}
+
+// A rectangle with uv coordinates; `color` may follow its corners.
+std::string make_sheet(std::string const& color) {
+    std::string text;
+    for (char const* const corner : {"v 0 0 0", "v 2 0 0", "v 2 1 0", "v 0 1 0"}) {
+        text += corner + color + "\n";
+    }
+    return text + "vt 0 0\nvt 3 0\nvt 3 1\nvt 0 1\nusemtl a b\nf 1/1 2/2 3/3 4/4\n";
+}
+
+// A material, a texture and the colors of vertices give the same picture.
+TEST(Render, ColorsComeFromFiles) {
+    ToolFolder const folder;
+    std::string const empty = folder.write("empty.obj", "v 0 0 0\n");
+    std::string const sheet = make_sheet("");
+    std::string const expected =
+        render(folder, {folder.write("colored.obj", make_sheet(" 1 0.2 0"))});
+    std::string const plain = render(folder, {folder.write("plain.obj", sheet)});
+    EXPECT_NE(expected, plain);
+
+    render(folder, {empty, "--background", "FF3300"});
+    std::filesystem::rename(folder.get_path("out.png"), folder.get_path("t.png"));
+    std::string const texture = folder.get_path("t.png");
+    EXPECT_EQ(render(folder, {folder.get_path("plain.obj"), "--texture", texture}), expected);
+
+    std::filesystem::create_directory(folder.get_path("deep"));
+    folder.write("deep/m n.mtl", "newmtl a b\nKd 1 .2 0\n");
+    folder.write("escape.mtl", "newmtl a b\nKd 0 1 0\n");
+    struct Row {
+        char const* what;
+        std::string library;  // text of the file deep/l.mtl
+        char const* line;     // of the model
+        bool is_colored;
+        char const* warning;
+    };
+    std::vector<Row> const rows = {
+        {"a name with blanks", "", "mtllib m n.mtl", true, ""},
+        {"escaped blanks, and one that is missing", "", "mtllib x.mtl m\\ n.mtl", true,
+         "x.mtl is not"},
+        {"a texture", "newmtl a b\nmap_Kd -s 1 1 1 t.png", "mtllib l.mtl", true, ""},
+        {"the first of a name", "newmtl a b\nKd 1 .2 0\r\nnewmtl a b\nKd 0 0 0", "mtllib l.mtl",
+         true, ""},
+        {"a folder", "", "mtllib ../deep", false, "deep is not"},
+        {"a way out", "", "mtllib ../escape.mtl", false, "escape.mtl is not"},
+        {"an absolute path", "", "mtllib /etc/passwd", false, "passwd is not"},
+        {"no such texture", "newmtl a b\nKd 1 .2 0\nmap_Kd C:\\pics\\u.png", "mtllib l.mtl", true,
+         "texture"},
+        {"a broken texture", "newmtl a b\nKd 1 .2 0\nmap_Kd l.mtl", "mtllib l.mtl", true,
+         "texture"},
+        {"no library at all", std::string(9000, '\xFF') + "newmtl", "mtllib l.mtl", false, ""},
+        {"too long", "newmtl a b\nKd 0 1 0\n" + std::string(20000, '#'), "mtllib l.mtl", false,
+         "too long"},
+        {"too large", std::string(5000000, '\n'), "mtllib l.mtl", false, "more than"},
+    };
+    std::filesystem::copy(texture, folder.get_path("deep/t.png"));
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.what);
+        folder.write("deep/l.mtl", row.library);
+        std::string const model =
+            folder.write("deep/model.obj", std::string(row.line) + "\n" + sheet);
+        ToolRun const run =
+            run_tool({"render", model, "--size", "50", "40", "-o", folder.get_path("out.png")});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(folder.read("out.png") == expected, row.is_colored);
+        EXPECT_EQ(run.errors.empty(), *row.warning == '\0') << run.errors;
+        EXPECT_NE(run.errors.find(row.warning), std::string::npos) << run.errors;
+        EXPECT_EQ(render(folder, {model, "--no-materials"}), plain);
+    }
+}
+
+// Opens what was written, and gives the number of pictures.
+int count_frames(std::string const& path) {
+    GifFileType* const gif = DGifOpenFileName(path.c_str(), nullptr);
+    int const count = gif != nullptr && DGifSlurp(gif) == GIF_OK ? gif->ImageCount : -1;
+    DGifCloseFile(gif, nullptr);
+    return count;
+}
+
+TEST(Render, TurntableTurns) {
+    ToolFolder const folder;
+    std::string const block = folder.write("block.obj", make_block(0));
+    std::string const gif = folder.get_path("out.gif");
+    auto const turn = [&](char const* threads) {
+        ToolRun const run = run_tool({"turntable", block, "--frames", "5", "--size", "48", "36",
+                                      "--threads", threads, "-o", gif});
+        EXPECT_EQ(run.status, 0) << run.errors;
+        return folder.read("out.gif");
+    };
+    std::string const once = turn("1");
+    EXPECT_EQ(turn("3"), once);
+    EXPECT_EQ(count_frames(gif), 5);
+    EXPECT_GT(once.size(), 3000u);
+    EXPECT_EQ(run_tool({"turntable", block, "--eye", "1", "1", "1"}).status, 2);
+    EXPECT_EQ(run_tool({"turntable", block, "--frames", "1", "--size", "8", "8", "-o",
+                        folder.get_path("no/x.gif")})
+                  .status,
+              1);
+}
+
+TEST(Render, SheetShowsWhatCannotBeDrawn) {
+    ToolFolder const folder;
+    std::filesystem::create_directory(folder.get_path("models"));
+    folder.write("models/block.OBJ", make_block(0));
+    folder.write("models/note.txt", "no model");
+    std::string const models = folder.get_path("models");
+    std::string const out = folder.get_path("sheet.png");
+    auto const draw = [&] {
+        return run_tool({"sheet", models, "--size", "40", "30", "--samples", "1", "-o", out});
+    };
+    EXPECT_EQ(draw().status, 0);
+    folder.write("models/broken.obj", "v 1 2 x\n");
+    folder.write("models/points.obj", "v 1 2 3\n");
+    ToolRun const run = draw();
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.output.find("2 of 3 models, 82 x 90"), std::string::npos) << run.output;
+    EXPECT_NE(run.errors.find("broken.obj"), std::string::npos) << run.errors;
+    std::string const sheet = folder.read("sheet.png");
+    draw();
+    EXPECT_EQ(folder.read("sheet.png"), sheet);
+    EXPECT_EQ(run_tool({"sheet", folder.get_path("none"), "-o", out}).status, 1);
 }
 
 }  // namespace

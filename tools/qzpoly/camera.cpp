@@ -237,3 +237,31 @@ bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, Too
     }
     return true;
 }
+
+bool make_turning_cameras(ToolCameraOptions const& options, ToolExtent const& extent,
+                          unsigned int const& count, ToolMessages& messages,
+                          std::vector<ToolCamera>& cameras) {
+    ToolCameraOptions turned = options;
+    GMathVec3<double> const center = extent.primitive_boxes.empty()
+                                         ? GMathVec3<double>(0, 0, 0)
+                                         : (extent.bbox.minimum + extent.bbox.maximum) * 0.5;
+    if (turned.target.empty()) {
+        turned.target = {center.x, center.y, center.z};
+    }
+    double retreat = extent.primitive_boxes.empty() ? 0.0 : -1e300;
+    for (unsigned int i = 0; i < count; ++i) {
+        turned.turn_degrees = options.turn_degrees + 360.0 * i / count;
+        cameras.emplace_back();
+        if (!make_camera(turned, extent, messages, cameras.back())) {
+            return false;
+        }
+        if (!extent.primitive_boxes.empty()) {
+            retreat = std::max(retreat, compute_fit(extent, cameras.back()).retreat);
+        }
+    }
+    for (ToolCamera& camera : cameras) {
+        double const distance = gmath_length(to_vector(turned.target) - camera.eye) + retreat;
+        camera.eye = to_vector(turned.target) - camera.forward * (distance * margin);
+    }
+    return true;
+}

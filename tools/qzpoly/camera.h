@@ -47,3 +47,9 @@ void add_camera_options(CLI::App& command, ToolCameraOptions& options);
 // they name. False after the reason has been shown.
 bool make_camera(ToolCameraOptions const& options, ToolExtent const& extent, ToolMessages& messages,
                  ToolCamera& camera);
+
+// The views of one turn around the geometry in even steps, all from the same distance, from where
+// all of it is seen in each.
+bool make_turning_cameras(ToolCameraOptions const& options, ToolExtent const& extent,
+                          unsigned int const& count, ToolMessages& messages,
+                          std::vector<ToolCamera>& cameras);

@@ -226,7 +226,11 @@ void add_check_command(CLI::App& app, ToolSession& session) {
     add_camera_options(*command, options->camera);
     command->footer(footer +
                     "Polygons and vertices are numbered from 0, lines from 1.\n"
-                    "Exit status: 0 clean, 1 faults found or a file not read, 2 wrong usage.");
+                    "Exit status: 0 clean, 1 faults found or a file not read, 2 wrong usage.\n\n"
+                    "Examples:\n"
+                    "  qzpoly check ship.obj\n"
+                    "  qzpoly check ship.lwo --picture faults.png --camera three-quarter\n"
+                    "  qzpoly check --json --ignore border-edge --ignore uv-outside *.obj");
     command->callback(
         [options, &session] { session.status = run_check(*options, session.messages); });
 }

@@ -17,6 +17,9 @@ struct ToolSession {
 void add_render_command(CLI::App& app, ToolSession& session);
 void add_visible_command(CLI::App& app, ToolSession& session);
 void add_info_command(CLI::App& app, ToolSession& session);
+void add_turntable_command(CLI::App& app, ToolSession& session);
+void add_sheet_command(CLI::App& app, ToolSession& session);
+void add_convert_command(CLI::App& app, ToolSession& session);
 void add_check_command(CLI::App& app, ToolSession& session);
 void add_probe_command(CLI::App& app, ToolSession& session);
 void add_stats_command(CLI::App& app, ToolSession& session);

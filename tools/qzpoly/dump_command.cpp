@@ -38,6 +38,9 @@ void add_dump_command(CLI::App& app, ToolSession& session) {
     add_smooth_option(*command, options->smoothing_angles,
                       "Add the normals smoothed up to this angle; may be repeated")
         ->take_all();
+    command->footer("Examples:\n"
+                    "  qzpoly dump ship.obj > ship.json\n"
+                    "  qzpoly dump ship.obj --digest --smooth 30");
     command->callback(
         [options, &session] { session.status = run_dump(*options, session.messages); });
 }

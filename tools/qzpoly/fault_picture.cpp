@@ -113,6 +113,7 @@ bool draw_faults(PolyMesh const& mesh, ToolFaults const& faults, ToolCameraOptio
     settings.appearance.primitive_colors = color_primitives(mesh, faults);
     settings.edge_layers = make_layers(mesh, faults);
     ToolProgress progress("rendering");
+    progress.get_bar().start();
     if (!make_camera(camera, scene.get_extent(), messages, view) ||
         !scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
                        messages) ||

@@ -154,6 +154,9 @@ void add_info_command(CLI::App& app, ToolSession& session) {
     add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
     add_property_option(*command, options->surface);
     command->add_flag("--json", options->is_json, "As JSON");
+    command->footer("Examples:\n"
+                    "  qzpoly info ship.obj\n"
+                    "  qzpoly info ship.lwo --item Hull --json");
     command->callback(
         [options, &session] { session.status = run_info(*options, session.messages); });
 }

@@ -13,8 +13,10 @@ constexpr unsigned int warning_level = 4;
 void show(char const* kind, std::string_view const& text) {
     clear_progress_line();
     bool const is_colored = has_colors(stderr);
-    std::fprintf(stderr, "%s%s:%s %s\n", is_colored ? "\033[1;31m" : "", kind,
-                 is_colored ? "\033[0m" : "", make_printable(text).c_str());
+    std::fprintf(stderr, "%s%s:%s %s\n",
+                 is_colored ? (std::string_view(kind) == "warning" ? "\033[1;33m" : "\033[1;31m")
+                            : "",
+                 kind, is_colored ? "\033[0m" : "", make_printable(text).c_str());
 }
 
 // The bytes of the character that `text` begins with; 0 if it begins with none that can be shown.

@@ -9,6 +9,22 @@ std::string check_finite(std::string const& text) {
     return is_number && std::isfinite(value) ? std::string() : "not a finite number: " + text;
 }
 
+namespace {
+
+// CLI11 would take whatever follows for the number.
+void add_usual_number(std::vector<std::string>& arguments) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        double value = 0;
+        bool const has_number =
+            i + 1 < arguments.size() && CLI::detail::lexical_cast(arguments[i + 1], value);
+        if (arguments[i] == "--ambient-occlusion" && !has_number) {
+            arguments[i] += "=8";
+        }
+    }
+}
+
+}  // namespace
+
 // CLI11 takes what begins with a minus for an option, unless a digit follows.
 void parse_arguments(CLI::App& app, std::vector<std::string> arguments) {
     for (std::string& argument : arguments) {
@@ -22,6 +38,7 @@ void parse_arguments(CLI::App& app, std::vector<std::string> arguments) {
             argument.insert(1, 1, '0');
         }
     }
+    add_usual_number(arguments);
     std::reverse(arguments.begin(), arguments.end());  // as CLI11 wants them
     app.parse(std::move(arguments));
 }

@@ -17,7 +17,8 @@ CLI::Option* add_smooth_option(CLI::App& command, T& angles, std::string const& 
         ->check(check_finite);
 }
 
-// Reads a command line; negative numbers may begin with a point, as in -.5.
+// Reads a command line; negative numbers may begin with a point, as in -.5, and the number of
+// --ambient-occlusion may be left out.
 void parse_arguments(CLI::App& app, std::vector<std::string> arguments);
 
 // Ends the reading of the command line as wrong usage.

@@ -34,11 +34,15 @@ bool ToolObjStatements::count_words(std::string_view const& line, unsigned int& 
         if (line[at] == '#') {
             return false;
         }
-        if (line[at] == '\\') {
+        std::size_t const end = std::min(line.find_first_of(blanks, at), line.size());
+        bool const is_continued =
+            line[end - 1] == '\\' && line.find_first_not_of(blanks, end) == std::string_view::npos;
+        if (is_continued) {
+            count += end - at > 1 ? 1 : 0;
             return true;
         }
         ++count;
-        at = std::min(line.find_first_of(" \t\v\f\\", at), line.size());
+        at = end;
     }
     return false;
 }

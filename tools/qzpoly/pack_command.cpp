@@ -43,6 +43,9 @@ void add_pack_command(CLI::App& app, ToolSession& session) {
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
     command->add_option("-o,--output", options->block_file,
                         "File to write [the model's name with .block]");
+    command->footer("Examples:\n"
+                    "  qzpoly pack ship.obj -o ship.block\n"
+                    "  qzpoly render ship.block");
     command->callback(
         [options, &session] { session.status = run_pack(*options, session.messages); });
 }

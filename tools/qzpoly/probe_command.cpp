@@ -261,6 +261,9 @@ void add_probe_command(CLI::App& app, ToolSession& session) {
     for (CLI::Option* const option : alone) {
         batch->excludes(option);
     }
+    command->footer("Examples:\n"
+                    "  qzpoly probe ship.obj --ray 0 0 9 0 0 -1\n"
+                    "  qzpoly probe ship.obj --primitive 12");
     command->callback(
         [options, &session] { session.status = run_probe(*options, session.messages); });
 }

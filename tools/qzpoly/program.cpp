@@ -11,9 +11,9 @@
 namespace {
 
 constexpr void (*s_commands[])(CLI::App& app, ToolSession& session) = {
-    &add_render_command,  &add_check_command, &add_info_command,
-    &add_visible_command, &add_probe_command, &add_stats_command,
-    &add_dump_command,    &add_pack_command,  &add_verify_command,
+    &add_render_command,  &add_turntable_command, &add_sheet_command, &add_check_command,
+    &add_info_command,    &add_convert_command,   &add_pack_command,  &add_dump_command,
+    &add_visible_command, &add_probe_command,     &add_stats_command, &add_verify_command,
 };
 
 // What is wrong with the command line, and where to look.

@@ -1,6 +1,7 @@
 #include <tools/qzpoly/commands.h>
 
 #include <tools/qzpoly/camera.h>
+#include <tools/qzpoly/look_options.h>
 #include <tools/qzpoly/mesh_source.h>
 #include <tools/qzpoly/motion.h>
 #include <tools/qzpoly/numbers.h>
@@ -12,7 +13,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <thread>
 
 namespace {
 
@@ -24,10 +24,8 @@ struct RenderOptions {
     ToolCameraOptions camera;
     ToolMotionOptions motion;
     ToolSurfaceOptions surface;
-    ToolRenderSettings settings;
-    std::string shade_mode = get_shade_modes()[0].name;
+    ToolLookOptions look;
     std::string output;
-    unsigned int samples = 0;  // 0: the usual number
     bool has_edges = false;
     bool has_hard_edges = false;
     bool is_exact = false;
@@ -35,53 +33,15 @@ struct RenderOptions {
 };
 
 void add_picture_options(CLI::App& command, RenderOptions& options) {
-    std::string meanings = "Colors:";
-    for (ToolShadeMode const& mode : get_shade_modes()) {
-        meanings += make_text(meanings.back() == ':' ? " " : "; ", mode.name, ": ", mode.meaning);
-    }
     command.add_option("-o,--output", options.output, "PNG file [FILE's name.png]");
-    command.add_option("--shade", options.shade_mode, meanings)
-        ->check([](std::string const& name) {
-            return find_shade_mode(name) != nullptr ? std::string() : "no such mode: " + name;
-        })
-        ->capture_default_str();
-    command.add_option("--uv-map", options.settings.appearance.uv_map,
-                       "Number of the uv map, from 0");
-    command.add_option("--color-map", options.settings.appearance.color_map,
-                       "Number of the color map, from 0");
+    add_look_options(command, options.look, "12; in motion 32");
+    add_map_options(command, options.look);
     command.add_flag("--edges", options.has_edges, "Draw the edges of polygons");
     command.add_flag("--hard-edges", options.has_hard_edges,
                      "Draw the edges that --smooth finds too sharp to smooth");
     command.add_flag("--exact", options.is_exact, "Test rays without a tolerance at edges");
-    command.add_option("--samples", options.samples, "Rays for a pixel [12; in motion 32]")
-        ->check(CLI::Range(1u, 4096u));
-    command.add_option("--threads", options.settings.thread_count, "Render threads [all cores]")
-        ->check(CLI::Range(1u, 1024u));
     // Asks every primitive for every ray: what any faster search must give.
     command.add_flag("--brute-force", options.is_brute_force)->group("");
-}
-
-// Says so if something was asked for that the mesh does not have.
-void check_maps(RenderOptions const& options, PolyMesh const& mesh, ToolMessages& messages) {
-    struct Row {
-        char const* option;
-        unsigned int map;
-        unsigned int count;
-    };
-    for (Row const& row :
-         {Row{"--uv-map", options.settings.appearance.uv_map, mesh.get_uv_map_count()},
-          Row{"--color-map", options.settings.appearance.color_map, mesh.get_color_map_count()}}) {
-        if (row.map != 0 && row.map >= row.count) {
-            refuse_option(row.option,
-                          make_text("there is no ", row.map, ": the mesh has ", row.count));
-        }
-    }
-    if (options.shade_mode == "uv" && mesh.get_uv_map_count() == 0) {
-        messages.warn("the mesh has no uv map");
-    }
-    if (options.shade_mode == "color" && mesh.get_color_map_count() == 0) {
-        messages.warn("the mesh has no color map");
-    }
 }
 
 GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
@@ -109,7 +69,7 @@ std::vector<ToolEdgeLayer> list_edges(RenderOptions const& options, PolyMesh con
 bool find_property(RenderOptions const& options, GeometryObject const& geometry, CtxEval const& ctx,
                    ToolMessages& messages, ToolPropertyView& view) {
     std::string name;
-    if (!shows_property(options.shade_mode, name)) {
+    if (!shows_property(options.look.shade_mode, name)) {
         return true;
     }
     GeometryProperty const* const property =
@@ -122,38 +82,38 @@ bool find_property(RenderOptions const& options, GeometryObject const& geometry,
     return true;
 }
 
-ToolRenderSettings make_settings(RenderOptions const& options,
-                                 std::vector<double> const& shutter_times) {
-    ToolRenderSettings settings = options.settings;
-    settings.shade_mode = find_shade_mode(options.shade_mode);
-    settings.samples_per_pixel = options.samples != 0       ? options.samples
-                                 : shutter_times.size() > 1 ? usual_moving_sample_count
-                                                            : usual_sample_count;
+bool make_settings(RenderOptions const& options, ToolMesh const& mesh,
+                   std::vector<double> const& shutter_times, ToolMessages& messages,
+                   ToolRenderSettings& settings) {
     if (!shutter_times.empty()) {
         settings.shutter_open = shutter_times.front();
         settings.shutter_close = shutter_times.back();
     }
-    return settings;
+    settings.edge_layers = list_edges(options, *mesh.mesh);
+    return make_look(options.look, mesh,
+                     shutter_times.size() > 1 ? usual_moving_sample_count : usual_sample_count,
+                     messages, settings);
 }
 
 // Draws the mesh; false after the reason has been shown.
-bool draw(RenderOptions const& options, PolyMesh const& mesh, GeometryObject const& geometry,
+bool draw(RenderOptions const& options, ToolMesh const& mesh, GeometryObject const& geometry,
           std::vector<double> const& shutter_times, ToolMessages& messages, ToolImage& image) {
     ToolScene scene(geometry, shutter_times);
     ToolCamera camera;
     if (!make_camera(options.camera, scene.get_extent(), messages, camera)) {
         return false;
     }
-    ToolRenderSettings settings = make_settings(options, shutter_times);
-    settings.edge_layers = list_edges(options, mesh);
+    ToolRenderSettings settings;
     ToolPropertyView& property = settings.appearance.property;
-    if (!find_property(options, geometry, scene.get_ctx(), messages, property) ||
+    if (!make_settings(options, mesh, shutter_times, messages, settings) ||
+        !find_property(options, geometry, scene.get_ctx(), messages, property) ||
         !scene.prepare(options.is_exact ? GeometryRaytraceCtx::TEST_EXACT
                                         : GeometryRaytraceCtx::TEST_TOLERANT,
                        options.is_brute_force, settings.thread_count, messages)) {
         return false;
     }
     ToolProgress progress("rendering");
+    progress.get_bar().start();
     if (!scene.draw(camera, settings, progress.get_bar(), messages, image)) {
         return false;
     }
@@ -174,9 +134,8 @@ int run_render(RenderOptions const& options, ToolMessages& messages) {
                           mesh, shutter_times, status)) {
         return status;
     }
-    check_maps(options, *mesh.mesh, messages);
     if (!make_surface(options.surface, *mesh.mesh, messages, surface) ||
-        !draw(options, *mesh.mesh, *surface.geometry, shutter_times, messages, image)) {
+        !draw(options, mesh, *surface.geometry, shutter_times, messages, image)) {
         return is_interrupted() ? tool_interrupted : tool_failure;
     }
     std::string const path = options.output.empty() ? mesh.name + ".png" : options.output;
@@ -194,7 +153,6 @@ int run_render(RenderOptions const& options, ToolMessages& messages) {
 
 void add_render_command(CLI::App& app, ToolSession& session) {
     auto const options = std::make_shared<RenderOptions>();
-    options->settings.thread_count = std::max(1u, std::thread::hardware_concurrency());
     CLI::App* const command = app.add_subcommand("render", "Render a picture");
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
     add_picture_options(*command, *options);
@@ -202,6 +160,13 @@ void add_render_command(CLI::App& app, ToolSession& session) {
     command->get_option("--hard-edges")->needs(command->get_option("--smooth"));
     add_camera_options(*command, options->camera);
     add_motion_options(*command, options->motion);
+    command->footer(
+        "Examples:\n"
+        "  qzpoly render ship.obj -o ship.png\n"
+        "  qzpoly render ship.lwo --camera three-quarter --smooth 30 --background white\n"
+        "  qzpoly render ship.obj --texture hull.png --ambient-occlusion\n"
+        "  qzpoly render --sphere 32 16 --shade uv --edges\n"
+        "  qzpoly render --frames pose1.obj pose2.obj --shutter 0 1");
     command->callback(
         [options, &session] { session.status = run_render(*options, session.messages); });
 }

@@ -159,8 +159,7 @@ bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSea
     Renderer const renderer(geometry, extent, search, camera, settings);
     unsigned int const columns = (camera.width + tile_size - 1) / tile_size;
     unsigned int const rows = (camera.height + tile_size - 1) / tile_size;
-    progress.start();
-    bool const is_complete = work_in_blocks(
+    return work_in_blocks(
         columns * rows, settings.thread_count, progress, [&](unsigned int const& tile) {
             CtxEval const tile_ctx(ctx.get_shader_ctx());
             unsigned int const left = tile % columns * tile_size;
@@ -171,6 +170,4 @@ bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSea
                 }
             }
         });
-    progress.finish();
-    return is_complete;
 }

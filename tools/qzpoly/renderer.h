@@ -25,7 +25,7 @@ struct ToolRenderSettings {
 
 // Draws a geometry before its background; a lit one stands on the ground. The picture does not
 // depend on the number of threads. Null `search`: nothing but the background. `ctx` has the
-// shutter. False when `progress` was asked to stop.
+// shutter. Takes the task that is open in `progress`; false when it was asked to stop.
 bool render(GeometryObject const& geometry, ToolExtent const& extent, ToolHitSearch const* search,
             CtxEval const& ctx, ToolCamera const& camera, ToolRenderSettings const& settings,
             AppProgressBar& progress, ToolImage& image);

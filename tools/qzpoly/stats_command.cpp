@@ -48,6 +48,9 @@ void add_stats_command(CLI::App& app, ToolSession& session) {
     add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
     CLI::Option const* const smooth = add_smooth_option(
         *command, options->smoothing_angle, "Also of the normals smoothed up to this angle");
+    command->footer("Examples:\n"
+                    "  qzpoly stats ship.obj\n"
+                    "  qzpoly stats ship.obj --smooth 30");
     command->callback([options, smooth, &session] {
         options->is_smooth = smooth->count() != 0;
         session.status = run_stats(*options, session.messages);

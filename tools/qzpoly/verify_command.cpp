@@ -280,6 +280,9 @@ void add_verify_command(CLI::App& app, ToolSession& session) {
         ->check(CLI::Range(1u, 1024u));
     command->add_flag("--near", options->is_near_only, "Near the origin alone");
     command->add_flag("--json", options->is_json, "As JSON, with the first rays at fault");
+    command->footer("Examples:\n"
+                    "  qzpoly verify ship.obj --rays 1000000\n"
+                    "  qzpoly verify --sphere 64 32 --near --json");
     command->callback(
         [options, &session] { session.status = run_verify(*options, session.messages); });
 }

@@ -67,6 +67,9 @@ void add_visible_command(CLI::App& app, ToolSession& session) {
         ->check(check_finite)
         ->check(CLI::PositiveNumber)
         ->group("Camera");
+    command->footer("Examples:\n"
+                    "  qzpoly visible ship.obj --camera front\n"
+                    "  qzpoly visible ship.obj --eye 0 2 9 --near 1 --far 20");
     command->callback(
         [options, &session] { session.status = run_visible(*options, session.messages); });
 }
