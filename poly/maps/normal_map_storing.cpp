@@ -5,7 +5,7 @@
 #include <poly/mesh/progress_task.h>
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -23,11 +23,12 @@ class FlatNormals {
             m_directions[half] =
                 gmath_cross(positions[vertices[half + 1]] - p, positions[vertices[half + 2]] - p);
         }
+        m_square = gmath_dot(m_directions[0], m_directions[0]);
     }
 
     // Whether they all equal `normal`, which was encoded from `direction`.
     bool are_all(GMathShortNormal const& normal, GMathVec3<float> const& direction) {
-        if (is_apart(m_directions[0], direction)) {
+        if (is_apart(direction)) {
             return false;
         }
         if (!m_is_encoded) {
@@ -44,15 +45,15 @@ class FlatNormals {
     // Vectors of equal code differ by less than 1 / 32767 along each axis, so the sine between them
     // is below 6e-5. Above 1e-4, which floats tell where no square nears the ends of their range,
     // the codes differ.
-    static bool is_apart(GMathVec3<float> const& a, GMathVec3<float> const& b) {
-        float const square_a = gmath_dot(a, a);
-        float const square_b = gmath_dot(b, b);
-        GMathVec3<float> const sines = gmath_cross(a, b);
-        return gmath_dot(sines, sines) > 1e-8f * (square_a * square_b) && square_a > 1e-24f &&
-               square_a < 1e30f && square_b > 1e-4f && square_b < 1e4f;
+    bool is_apart(GMathVec3<float> const& direction) const {
+        float const square = gmath_dot(direction, direction);
+        GMathVec3<float> const sines = gmath_cross(m_directions[0], direction);
+        return gmath_dot(sines, sines) > 1e-8f * (m_square * square) && m_square > 1e-24f &&
+               m_square < 1e30f && square > 1e-4f && square < 1e4f;
     }
 
     GMathVec3<float> m_directions[2];
+    float m_square;  // of the first one's length
     GMathShortNormal m_normals[2];
     unsigned int m_count;
     bool m_is_encoded = false;
@@ -119,12 +120,13 @@ class NormalMapStore {
                        ? absent
                        : known;
         }
-        // One that floats cannot hold, NaN included, tells no direction.
-        float const length = gmath_length(direction);
-        if (!(length > 0.0f) || !std::isfinite(length)) {
+        if (m_codes_begin != value / 4 * 4) {
+            encode_four(value / 4 * 4);
+        }
+        if ((m_directed >> value % 4 & 1u) == 0) {
             return absent;
         }
-        GMathShortNormal const normal = GMathShortNormal::encode(direction / length);
+        GMathShortNormal const normal = m_codes[value % 4];
         if (is_same_normal(normal, m_points.normals[vertex])) {
             m_remap[value] = vertex;
             return vertex;
@@ -136,6 +138,32 @@ class NormalMapStore {
         return m_remap[value];
     }
 
+    // Encodes four values side by side, for a value's neighbours are mostly asked for next.
+    void encode_four(unsigned int const& first) {
+        using Lanes = GMathFloatLanes;
+        GMathVec3<float> n[4];
+        for (unsigned int k = 0; k < 4; ++k) {
+            n[k] = m_map.values[std::min(first + k, m_map.values.get_count() - 1)];
+        }
+        Lanes const x(n[0].x, n[1].x, n[2].x, n[3].x);
+        Lanes const y(n[0].y, n[1].y, n[2].y, n[3].y);
+        Lanes const z(n[0].z, n[1].z, n[2].z, n[3].z);
+        Lanes const length = ((x * x + y * y) + z * z).get_root();
+        // One that floats cannot hold, NaN included, tells no direction.
+        m_directed = (length > Lanes(0.0f)).get_bits() &
+                     (Lanes(std::numeric_limits<float>::max()) >= length).get_bits();
+        unsigned int halves[3][4];
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(x / length, halves[0]);
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(y / length, halves[1]);
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(z / length, halves[2]);
+        for (unsigned int k = 0; k < 4; ++k) {
+            m_codes[k] = {static_cast<unsigned short>(halves[0][k]),
+                          static_cast<unsigned short>(halves[1][k]),
+                          static_cast<unsigned short>(halves[2][k])};
+        }
+        m_codes_begin = first;
+    }
+
     GeometryNormalMap const& m_map;
     PolyMeshTopology const& m_topology;
     GeometryPointCloudData const& m_points;
@@ -144,6 +172,9 @@ class NormalMapStore {
     CoreArray<unsigned int> m_remap;    // by value: an index that a corner took, or absent
     CoreArray<unsigned int> m_indices;  // by corner id
     ExtraNormals m_extra;
+    GMathShortNormal m_codes[4];  // of the values from m_codes_begin on
+    unsigned int m_codes_begin = absent;
+    unsigned int m_directed = 0;  // bit k: m_codes[k] is a direction
 };
 
 }  // namespace

@@ -12,10 +12,14 @@ constexpr float short_edge_factor = 0x1p-30f;
 
 GMathBbox3<float> get_used_box(CoreIndexArray const& corner_indices, Values const& values) {
     GMathBbox3<float> box = GMathBbox3<float>::get_inverted();
-    for (unsigned int corner = 0; corner < corner_indices.get_count(); ++corner) {
-        unsigned int const index = corner_indices[corner];
-        if (index < values.get_count()) {
-            box.extend(values[index]);
+    CoreIndexReader const indices(corner_indices);
+    unsigned int const corner_count = corner_indices.get_count();
+    unsigned int const value_count = values.get_count();
+    GMathVec3<float> const* const vectors = values.get_data();
+    for (unsigned int corner = 0; corner < corner_count; ++corner) {
+        unsigned int const index = indices[corner];
+        if (index < value_count) {
+            box.extend(vectors[index]);
         }
     }
     bool const is_inverted = box.minimum.x > box.maximum.x && box.minimum.y > box.maximum.y &&
