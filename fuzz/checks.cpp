@@ -18,8 +18,3 @@ void require_sound(PolyMesh const& mesh, bool const& edges_are_built) {
     std::string const broken = find_broken_invariant(mesh, edges_are_built);
     require(broken.empty(), broken.c_str());
 }
-
-// Inputs are small and many, so freed memory need not be kept for long.
-extern "C" char const* __asan_default_options() {
-    return "quarantine_size_mb=8:malloc_context_size=12:detect_leaks=1";
-}

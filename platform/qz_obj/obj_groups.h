@@ -2,14 +2,13 @@
 
 #include <platform/qz_obj/obj_list.h>
 
+#include <map>
 #include <string_view>
 
-// Shading groups: numbered by their first polygon, and looked up by name in constant time, since a
-// file may change the material before every polygon.
+// Shading groups: numbered by their first polygon, and looked up by name, perhaps before every
+// polygon, in an ordered map: no names can be made that slow it down, as they can for a hash table.
 class ObjGroups {
   public:
-    ObjGroups();
-
     void reserve(unsigned long long const& size, unsigned int const& bytes_per_polygon,
                  unsigned int const& largest_count) {
         m_numbers.reserve(size, bytes_per_polygon, largest_count);
@@ -26,19 +25,11 @@ class ObjGroups {
   private:
     static constexpr unsigned int no_number = ~0u;
 
-    struct Slot {
-        unsigned int hash;
-        unsigned int number;  // no_number: the slot is free
-    };
-
     unsigned int get_number(std::string_view const& name);
-    Slot& find_slot(unsigned int const& hash, std::string_view const& name);
-    void grow_slots();
 
     ObjList<unsigned int> m_numbers;
     CoreArray<CoreString> m_names;
-    CoreArray<Slot> m_slots;  // a power of two, at most half of them taken
-    unsigned int m_seed;
-    CoreString m_name;
+    std::map<std::string_view, unsigned int> m_numbers_by_name;  // of m_names
+    CoreString m_name{"default"};
     unsigned int m_number = no_number;  // of m_name, once a polygon has it
 };

@@ -4,12 +4,20 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr std::size_t largest_transfer = 1u << 30;  // below the limit of every read and write call
+constexpr int longest_wait = 2000;                  // milliseconds, for a writer to come
+
+// False when there is nothing new until then; a negative time never ends.
+bool wait_for_bytes(int const& descriptor, int const& milliseconds) {
+    pollfd pipe = {descriptor, POLLIN, 0};
+    return ::poll(&pipe, 1, milliseconds) != 0;
+}
 
 }  // namespace
 
@@ -22,7 +30,8 @@ bool SysFile::open(CoreString const& path, Mode const& mode) {
     if (path.get_view().find('\0') != std::string_view::npos) {
         return fail(EINVAL);
     }
-    int const flags = mode == MODE_READ ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
+    // Opening a pipe would wait, however long, until somebody writes to it.
+    int const flags = mode == MODE_READ ? O_RDONLY | O_NONBLOCK : O_WRONLY | O_CREAT | O_TRUNC;
     m_descriptor = ::open(path.get_data(), flags | O_CLOEXEC, 0666);
     if (m_descriptor < 0) {
         return fail(errno);
@@ -36,25 +45,33 @@ bool SysFile::open(CoreString const& path, Mode const& mode) {
         return fail(error_number);
     }
     m_size = S_ISREG(status.st_mode) ? static_cast<unsigned long long>(status.st_size) : 0;
+    m_is_unwritten_pipe = mode == MODE_READ && S_ISFIFO(status.st_mode);
     return true;
 }
 
 std::size_t SysFile::read(void* buffer, std::size_t const& size) {
     std::size_t const wanted = size;
     std::size_t done = 0;
+    bool is_abandoned = false;
     while (is_open() && done < wanted) {
         std::size_t const part = std::min(wanted - done, largest_transfer);
         ssize_t const count = ::read(m_descriptor, static_cast<char*>(buffer) + done, part);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
+        if (count > 0) {
+            done += static_cast<std::size_t>(count);
+            m_is_unwritten_pipe = false;
+        } else if (count < 0 && errno == EAGAIN) {
+            wait_for_bytes(m_descriptor, -1);
+        } else if (count == 0 && m_is_unwritten_pipe) {
+            is_abandoned = !wait_for_bytes(m_descriptor, longest_wait);
+            m_is_unwritten_pipe = false;
+        } else if (count == 0 || errno != EINTR) {
             if (count < 0) {
                 fail(errno);
+            } else if (is_abandoned) {
+                m_error = "Nobody writes to this pipe";
             }
             break;
         }
-        done += static_cast<std::size_t>(count);
     }
     return done;
 }

@@ -23,7 +23,7 @@ class QZ_SYS_EXPORT SysFile {
     bool open(CoreString const& path, Mode const& mode);
 
     // Reads up to `size` bytes and returns how many: fewer only at the end of the file or after an
-    // error, which `has_failed` tells apart.
+    // error, which `has_failed` tells apart. A pipe to which nobody writes within 2 seconds is one.
     std::size_t read(void* buffer, std::size_t const& size);
     // Writes all bytes; false on an error.
     bool write(void const* bytes, std::size_t const& size);
@@ -42,5 +42,6 @@ class QZ_SYS_EXPORT SysFile {
 
     int m_descriptor = -1;
     unsigned long long m_size = 0;
+    bool m_is_unwritten_pipe = false;
     CoreString m_error;
 };

@@ -3,6 +3,7 @@
 #include <platform/qz_gmath.h>
 
 #include <cassert>
+#include <cstdint>
 
 // Equal components, where +0 and -0 are the same.
 inline bool is_same_half(unsigned short const& a, unsigned short const& b) {
@@ -15,7 +16,8 @@ inline bool is_same_normal(GMathShortNormal const& a, GMathShortNormal const& b)
 // The normals that corners have beside those of their vertices: each vertex's without repetition,
 // all numbered in the order in which they came. The first few of a vertex are a list; a hash table
 // finds the others in constant time, however many there are. Its slots are numbered in 32 bits,
-// which allows 2^30 normals.
+// which allows 2^30 normals; whose they are depends on where the table lies in memory, so that no
+// file can crowd them, and the numbers do not.
 class ExtraNormals {
   public:
     explicit ExtraNormals(unsigned int const& vertex_count) {
@@ -58,11 +60,12 @@ class ExtraNormals {
         return half == 0x8000u ? static_cast<unsigned short>(0) : half;
     }
 
-    static unsigned long long get_hash(unsigned int const& vertex, GMathShortNormal const& normal) {
+    unsigned long long get_hash(unsigned int const& vertex, GMathShortNormal const& normal) const {
         unsigned long long hash = get_canonical(normal.x);
         hash = hash << 16 | get_canonical(normal.y);
         hash = hash << 16 | get_canonical(normal.z);
-        hash = (hash ^ vertex * 0x9E3779B97F4A7C15ull) * 0xD6E8FEB86659FD93ull;
+        hash = (hash ^ (vertex + m_seed) * 0x9E3779B97F4A7C15ull) * 0xD6E8FEB86659FD93ull;
+        hash = (hash ^ hash >> 32) * 0xD6E8FEB86659FD93ull;
         return hash ^ hash >> 32;
     }
 
@@ -108,6 +111,7 @@ class ExtraNormals {
         }
     }
 
+    unsigned long long m_seed = reinterpret_cast<std::uintptr_t>(this);
     GMathShortNormalArray m_normals;
     CoreArray<Owner> m_owners;        // by normal
     CoreArray<unsigned int> m_first;  // by vertex

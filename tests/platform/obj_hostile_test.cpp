@@ -1,5 +1,6 @@
 #include <tests/platform/obj_testing.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
@@ -35,7 +36,14 @@ TEST(ObjHostile, ThingsThatAreNoFiles) {
     std::filesystem::remove(loop);
     std::filesystem::remove(pipe);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    std::thread writer([&pipe] { std::ofstream(pipe) << points << "f 1 2 3 4\n"; });
+    EXPECT_EQ(read_obj_file(pipe).get_refusal(),
+              "Obj.load: '" + pipe + "': Nobody writes to this pipe.\n");
+    std::thread writer([&pipe] {
+        std::ofstream stream(pipe);
+        stream << points << std::flush;
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        stream << "f 1 2 3 4\n";
+    });
     AppProgressBar bar("load");
     ObjOutcome const outcome = read_obj_file(pipe, {}, &bar);
     writer.join();

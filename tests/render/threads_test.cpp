@@ -1,3 +1,5 @@
+#include <fuzz/query_geometry.h>
+#include <fuzz/query_property.h>
 #include <poly/property/poly_mesh_property.h>
 #include <poly/smoothed/poly_mesh_smoothed.h>
 #include <tests/answers.h>
@@ -95,7 +97,12 @@ struct Scene {
 TEST(Threads, AskAMovingMeshWithColdCaches) {
     Scene const scene;
     std::vector<std::uint64_t> answers[8];
-    run_at_once(8, [&](int const& i) { answers[i] = scene.ask(0.25 + 0.5 * (i % 4)); });
+    run_at_once(8, [&](int const& i) {
+        answers[i] = scene.ask(0.25 + 0.5 * (i % 4));
+        query_geometry(scene.mesh, 8);
+        query_geometry(scene.smoothed, 8);
+        query_property(scene.mesh, *scene.heat);
+    });
     for (int i = 0; i < 8; ++i) {
         EXPECT_EQ(answers[i], Scene().ask(0.25 + 0.5 * (i % 4))) << i;
     }
@@ -103,9 +110,10 @@ TEST(Threads, AskAMovingMeshWithColdCaches) {
 
 TEST(Threads, BuildMeshesBesideEachOther) {
     LogCapture const capture(2);
-    std::string const path = testing::TempDir() + "threads.obj";
-    std::ofstream(path) << "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nf 1 2 3 4\nusemtl a\nf 1 2 3\n";
     run_at_once(2, [&](int const& i) {
+        std::string const path = testing::TempDir() + "threads" + std::to_string(i) + ".obj";
+        std::ofstream(path) << "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nusemtl a\n"
+                            << (i == 0 ? "f 1 2 3 4\n" : "f 4 3 2\nusemtl b\nf 1 2 4\n");
         for (unsigned int round = 0; round < 20; ++round) {
             PolyMesh imported, filled;
             EXPECT_TRUE(imported.import_from_file(path.c_str(), "", 0, nullptr, nullptr));
@@ -116,8 +124,8 @@ TEST(Threads, BuildMeshesBesideEachOther) {
             EXPECT_EQ(find_broken_invariant(imported), "");
             EXPECT_EQ(find_broken_invariant(copy), "");
         }
+        std::filesystem::remove(path);
     });
-    std::filesystem::remove(path);
 }
 
 TEST(Threads, RegisterClassesAndLog) {
