@@ -10,13 +10,13 @@ unsigned int get_width(unsigned int const& largest) {
         32, static_cast<int>(std::bit_width(static_cast<unsigned long long>(largest) + 1))));
 }
 
-// Largest present value plus one; absent entries wrap to 0.
-unsigned int get_largest_stored(CoreBasicArray<unsigned int> const& values) {
-    unsigned int largest = 0;
+// All bits of the values plus one, of which the largest has the highest; absent entries wrap to 0.
+unsigned int get_stored_bits(CoreBasicArray<unsigned int> const& values) {
+    unsigned int bits = 0;
     for (unsigned int const value : values) {
-        largest = std::max(largest, value + 1u);
+        bits |= value + 1u;
     }
-    return largest;
+    return bits;
 }
 
 }  // namespace
@@ -26,11 +26,15 @@ void CoreIndexArray::init(unsigned int const& count, unsigned int const& largest
 }
 
 void CoreIndexArray::copy_from(CoreBasicArray<unsigned int> const& values) {
-    unsigned int const largest = std::max(1u, get_largest_stored(values));
-    allocate(values.get_count(), get_width(largest - 1u));
+    unsigned int const bits = std::max(1u, get_stored_bits(values));
+    allocate(values.get_count(), static_cast<unsigned int>(std::bit_width(bits)));
     CoreIndexWriter writer(*this);
-    for (unsigned int const value : values) {
-        writer.append(value);
+    unsigned int const* next = values.begin();
+    if (values.get_count() % 2 != 0) {
+        writer.append(*next++);
+    }
+    for (; next != values.end(); next += 2) {
+        writer.append(next[0], next[1]);
     }
 }
 

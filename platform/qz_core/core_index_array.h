@@ -143,6 +143,22 @@ class CoreIndexWriter {
             m_pending = stored >> (m_bit_count - m_pending_bits);
         }
     }
+    // The same with two values at once, which takes half the steps.
+    void append(unsigned int const& value, unsigned int const& next_value) {
+        unsigned long long const stored =
+            static_cast<unsigned long long>(static_cast<unsigned int>(next_value + 1u))
+                << m_bit_count |
+            static_cast<unsigned int>(value + 1u);
+        m_pending |= stored << m_pending_bits;
+        m_pending_bits += 2 * m_bit_count;
+        if (m_pending_bits >= 64) {
+            std::memcpy(m_out, &m_pending, sizeof m_pending);
+            m_out += sizeof m_pending;
+            m_pending_bits -= 64;
+            // A shift by all 64 bits means nothing.
+            m_pending = m_pending_bits != 0 ? stored >> (2 * m_bit_count - m_pending_bits) : 0;
+        }
+    }
 
   private:
     unsigned char* m_out;
