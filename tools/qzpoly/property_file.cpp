@@ -2,12 +2,13 @@
 
 #include <tools/qzpoly/json_out.h>
 
+#include <platform/qz_sys.h>
+
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <fstream>
+#include <istream>
 #include <iterator>
-#include <optional>
+#include <streambuf>
 #include <vector>
 
 namespace {
@@ -97,6 +98,37 @@ void read_values(ToolJson const& json, PropertyText& text) {
     if (text.values.size() != text.times.size()) {
         refuse(make_text("there are ", text.values.size(), " lists of values for ",
                          text.times.size(), " times"));
+    }
+}
+
+class FileBuffer : public std::streambuf {
+  public:
+    explicit FileBuffer(SysFile& file) : m_file(file) {}
+
+  protected:
+    int_type underflow() override {
+        std::size_t const size = m_file.read(m_block, sizeof m_block);
+        setg(m_block, m_block, m_block + size);
+        return size == 0 ? traits_type::eof() : traits_type::to_int_type(*m_block);
+    }
+
+  private:
+    SysFile& m_file;
+    char m_block[1 << 16] = {};
+};
+
+ToolJson read_json(std::string const& path) {
+    SysFile file;
+    file.open(CoreString(std::string_view(path)), SysFile::MODE_READ);
+    FileBuffer buffer(file);
+    std::istream stream(&buffer);
+    try {
+        return ToolJson::parse(stream);
+    } catch (std::exception const&) {
+        if (file.has_failed()) {
+            refuse(std::string(file.get_error().get_view()));
+        }
+        throw;
     }
 }
 
@@ -268,11 +300,7 @@ std::unique_ptr<PolyMeshProperty> make_property(PropertyText const& text, PolyMe
 std::unique_ptr<PolyMeshProperty> load_property(std::string const& file, PolyMesh const& mesh,
                                                 ToolMessages& messages) {
     try {
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream) {
-            refuse("it cannot be opened");
-        }
-        ToolJson const json = ToolJson::parse(stream);
+        ToolJson const json = read_json(file);
         return make_property(read_text(json), mesh);
     } catch (PropertyError const& error) {
         messages.fail(
