@@ -90,6 +90,35 @@ def make_maps_over_corners(size):
     return make_object(LWO_POINTS, make_chunk(b"POLS", b"FACE" + faces), maps)
 
 
+def make_block(points, corners, polygons):
+    """Each a number of entries and their bytes, but the four of the size of the whole."""
+    parts = [points, (0, b""), corners, polygons]
+    body = b"".join(struct.pack("<I", count) + data for count, data in parts)
+    return struct.pack("<I", len(body) + 4) + body
+
+
+BLOCK_POINTS = (3, struct.pack("<9f", 0, 0, 0, 1, 0, 0, 0, 1, 0))
+
+
+def make_block_points(size):
+    return make_block((size // 12, bytes(size // 12 * 12)), (0, b""), (0, b""))
+
+
+def make_block_triangles(size):
+    count = size // 16
+    return make_block(BLOCK_POINTS, (3 * count, struct.pack("<3I", 0, 1, 2) * count),
+                      (count, struct.pack("<I", 3) * count))
+
+
+def make_block_polygon(size):
+    count = size // 4
+    return make_block(BLOCK_POINTS, (count, bytes(4 * count)), (1, struct.pack("<I", count)))
+
+
+def make_block_empty_polygons(size):
+    return make_block(BLOCK_POINTS, (0, b""), (size // 4, bytes(size // 4 * 4)))
+
+
 FILES = [
     ("obj", "points", lambda size: repeat(b"", b"v 0 0 0\n", size)),
     ("obj", "triangles", lambda size: repeat(POINTS, b"f 1 2 3\n", size)),
@@ -108,12 +137,18 @@ FILES = [
     ("lwo", "points", make_points),
     ("lwo", "triangles", make_faces),
     ("lwo", "layers", lambda size: make_object(repeat(b"", LWO_LAYER + LWO_POINTS + LWO_FACE, size))),
+    ("lwo", "names of surfaces",
+     lambda size: make_object(LWO_POINTS, make_chunk(b"TAGS", bytes(size // 2 * 2)), LWO_FACE)),
     ("lwo", "unknown chunks",
      lambda size: make_object(LWO_POINTS, repeat(b"", make_chunk(b"ABCD", b""), size))),
     ("lwo", "maps", lambda size: make_object(
         LWO_POINTS, LWO_FACE, repeat_numbered(b"", make_map_chunk, size))),
     ("lwo", "entries of a map", make_entries),
     ("lwo", "maps over corners", make_maps_over_corners),
+    ("block", "points", make_block_points),
+    ("block", "triangles", make_block_triangles),
+    ("block", "a polygon", make_block_polygon),
+    ("block", "polygons of nothing", make_block_empty_polygons),
 ]
 
 
@@ -170,7 +205,7 @@ def main():
     program, *arguments = sys.argv[1:]
     is_grid = arguments[:1] == ["--grid"]
     size = int((arguments[is_grid:] or [4000 if is_grid else 50])[0]) * 1000000
-    worst = {"obj": (0, 0), "lwo": (0, 0)}
+    worst = {"obj": (0, 0), "lwo": (0, 0), "block": (0, 0)}
     with tempfile.TemporaryDirectory() as folder:
         path = os.path.join(folder, "file")
         with open(path, "wb") as file:
@@ -179,12 +214,12 @@ def main():
         if is_grid:
             measure_grid(program, path, base, size)
             return 0
-        print(f"{'of':4} {'all':20} {'bytes a byte':>13} {'ns a byte':>10} {'status':>7}")
+        print(f"{'of':5} {'all':20} {'bytes a byte':>13} {'ns a byte':>10} {'status':>7}")
         for kind, name, make in FILES:
             length = write(path, make, size)
             status, peak, seconds = measure(program, path)
             figures = ((peak - base) / length, seconds / length * 1e9)
-            print(f"{kind:4} {name:20} {figures[0]:13.1f} {figures[1]:10.0f} {status:7}", flush=True)
+            print(f"{kind:5} {name:20} {figures[0]:13.1f} {figures[1]:10.0f} {status:7}", flush=True)
             worst[kind] = tuple(map(max, worst[kind], figures))
             if status not in (0, 1):
                 return f"{kind}, {name}: ended with {status}"
