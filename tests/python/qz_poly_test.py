@@ -4,8 +4,10 @@ import ast
 import gc
 import inspect
 import pathlib
+import signal
 import subprocess
 import sys
+import tempfile
 import unittest
 
 import numpy
@@ -144,6 +146,23 @@ class MeshTest(unittest.TestCase):
                 with self.assertRaises(error) as raised:
                     call()
                 self.assertIn(text, str(raised.exception))
+
+    def test_interrupts_end_an_import(self):
+        class Interrupt(Exception):
+            pass
+
+        def interrupt(*_):
+            raise Interrupt
+
+        with tempfile.TemporaryDirectory() as folder:
+            model = pathlib.Path(folder, "points.obj")
+            model.write_text("v 0.125 1.5 2.25\n" * 400000)
+            old = signal.signal(signal.SIGALRM, interrupt)
+            with self.assertRaises(Interrupt):
+                signal.setitimer(signal.ITIMER_REAL, 0.002)
+                Mesh.from_file(model)
+            signal.signal(signal.SIGALRM, old)
+            self.assertEqual(Mesh.from_file(model).vertex_count, 400000)
 
     def test_odd_numbers_are_met_by_nothing(self):
         odd = [numpy.nan, numpy.inf, -numpy.inf, 3e38, 0.0]
