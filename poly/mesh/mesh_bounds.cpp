@@ -32,11 +32,20 @@ class BoxLanes {
         return i;
     }
     // Holds the finite ones of the points that `vertices` names from `begin` to `end`.
+    // `are_all_finite`: that need not be asked.
     void extend(GMathVec3<float> const* points, CoreIndexReader const& vertices,
-                unsigned int const& begin, unsigned int const& end) {
+                unsigned int const& begin, unsigned int const& end, bool const& are_all_finite) {
         Lanes low = m_low, high = m_high;
-        for (unsigned int corner = begin; corner < end; ++corner) {
-            extend(points[vertices[corner]], low, high);
+        if (are_all_finite) {
+            for (unsigned int corner = begin; corner < end; ++corner) {
+                Lanes const point = load(points[vertices[corner]]);
+                low = point.get_less(low);
+                high = point.get_greater(high);
+            }
+        } else {
+            for (unsigned int corner = begin; corner < end; ++corner) {
+                extend(points[vertices[corner]], low, high);
+            }
         }
         m_low = low;
         m_high = high;
@@ -85,28 +94,33 @@ void log_invalid_vertex(unsigned int const& vertex, GMathVec3<float> const& p) {
     }
 }
 
-void update_mesh_box(CoreBasicArray<GMathVec3<float>> const& positions, GMathBbox3<float>& box,
+// Returns whether all positions are finite.
+bool update_mesh_box(CoreBasicArray<GMathVec3<float>> const& positions, GMathBbox3<float>& box,
                      AppProgressBar* progress) {
     ProgressTask const task(progress, "compute vertices bbox", 0.3f);
     set_step_count(progress, positions.get_count());
     BoxLanes grown(GMathBbox3<float>::get_inverted());
     unsigned int const vertex_count = positions.get_count();
     unsigned int vertex = 0;
+    bool are_all_finite = true;
     while (vertex < vertex_count) {
         unsigned int const end = vertex + std::min(run_length, vertex_count - vertex);
         vertex = grown.extend_while_finite(positions.get_data(), vertex, end);
         if (vertex < end) {
             log_invalid_vertex(vertex, positions[vertex]);
+            are_all_finite = false;
             ++vertex;
         }
         step(progress, vertex);
     }
     box = grown.get_box();
+    return are_all_finite;
 }
 
 void update_group_boxes(PolyMeshTopology const& topology,
                         CoreBasicArray<GMathVec3<float>> const& positions,
-                        CoreArray<GMathBbox3<float>>& boxes, AppProgressBar* progress) {
+                        bool const& are_all_finite, CoreArray<GMathBbox3<float>>& boxes,
+                        AppProgressBar* progress) {
     ProgressTask const task(progress, "compute shading group bboxes", 0.7f);
     unsigned int const polygon_count = topology.polygon_vertex_count.get_count();
     set_step_count(progress, polygon_count);
@@ -126,7 +140,7 @@ void update_group_boxes(PolyMeshTopology const& topology,
         } while (++polygon < run_end && groups[polygon] == group);
         if (group < boxes.get_count()) {
             BoxLanes grown(boxes[group]);
-            grown.extend(positions.get_data(), vertices, corner, end);
+            grown.extend(positions.get_data(), vertices, corner, end, are_all_finite);
             boxes[group] = grown.get_box();
         }
         corner = end;
@@ -146,6 +160,6 @@ void update_bounds(PolyMeshTopology const& topology,
         }
         return;
     }
-    update_mesh_box(positions, geometry.mesh_bbox, progress);
-    update_group_boxes(topology, positions, geometry.shading_group_bbox, progress);
+    bool const are_all_finite = update_mesh_box(positions, geometry.mesh_bbox, progress);
+    update_group_boxes(topology, positions, are_all_finite, geometry.shading_group_bbox, progress);
 }

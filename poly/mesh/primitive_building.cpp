@@ -53,10 +53,13 @@ class PrimitiveBuilder {
     unsigned int build(AppProgressBar* progress) {
         count_primitives();
         allocate();
-        Writers writers(m_topology);
-        m_writers = &writers;
         set_step_count(progress, m_polygons.vertex_count.get_count());
-        fill(progress);
+        {
+            Writers writers(m_topology);
+            m_writers = &writers;
+            fill(progress);
+            m_writers = nullptr;
+        }
         return m_degenerate_count;
     }
 
@@ -187,7 +190,7 @@ class PrimitiveBuilder {
     unsigned int m_last_cut_corner = 0;    // of the last polygon that is cut
     unsigned int m_last_whole_corner = 0;  // the first one of the last polygon that is not
 
-    Writers* m_writers = nullptr;        // during build
+    Writers* m_writers = nullptr;        // while the arrays are filled
     unsigned int m_corner = 0;           // the first corner of the polygon at hand
     unsigned int m_triangle_corner = 0;  // the next free place of triangle_indices
     unsigned int m_primitive = 0;

@@ -130,10 +130,13 @@ void compute_vertex_normals(PolyMeshTopology const& topology,
     CoreIndexReader const groups(topology.primitive_shading_groups);
     PolyMeshNormalSum* const group_sums = geometry.shading_group_normals.get_data();
     set_step_count(progress, primitive_count);
+    unsigned int group_index = CoreIndexArray::absent;
+    PolyMeshNormalSum* group = nullptr;
     for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
-        unsigned int const group_index = groups[primitive];
-        PolyMeshNormalSum* const group =
-            group_index < group_count ? group_sums + group_index : nullptr;
+        if (groups[primitive] != group_index) {
+            group_index = groups[primitive];
+            group = group_index < group_count ? group_sums + group_index : nullptr;
+        }
         unsigned int v[4];
         unsigned int const count = reader.get_vertices(primitive, v);
         summer.add(v[0], v[1], v[2], group);

@@ -192,7 +192,9 @@ TEST(MeshBounds, GrowByOnePointAfterTheOther) {
         for (GMathVec3<float>& p : shape.positions) {
             p = p * (seed % 3 == 0 ? -0.0f : 1.0f);  // zeros of either sign: the first one stays
         }
-        shape.positions[seed % 12].y = seed % 2 == 0 ? infinity : std::nanf("");
+        if (seed % 4 != 0) {
+            shape.positions[seed % 12].y = seed % 2 == 0 ? infinity : std::nanf("");
+        }
         PolyMesh mesh;
         shape.set(mesh);
         std::vector<GMathBbox3<float>> boxes(4, GMathBbox3<float>::get_inverted());
