@@ -37,7 +37,7 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     virtual GMathBbox3<double> get_bbox_at(CtxEval const& ctx, double const& time) const;
 
     virtual CoreArray<CoreString> const& get_shading_group_names() const = 0;
-    // Default: the bounds of the whole.
+    // At rest; inverted for a group without corners. Default: the bounds of the whole.
     virtual GMathBbox3<double> get_shading_group_bbox(unsigned int const& group) const;
     // The vertices of all primitives, in primitive order. Default: none.
     virtual void get_primitive_indices(CoreArray<unsigned int>& indices) const;
@@ -71,7 +71,7 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
     virtual void compute_primitive_space(CtxEval const& ctx, unsigned int const& primitive,
                                          GMathLinearSpace3<double>& space) const;
 
-    // Areas under an object-to-world matrix. Defaults: sums over the primitives, which have none.
+    // Areas after an object-to-world matrix, in its units squared. Defaults: sums of primitives, 0.
     virtual double estimate_area(CtxEval const& ctx, GMathMatrix4x4<double> const& matrix) const;
     virtual double estimate_shading_group_area(CtxEval const& ctx, unsigned int const& group,
                                                GMathMatrix4x4<double> const& matrix) const;
@@ -128,7 +128,7 @@ class QZ_GEOMETRY_EXPORT GeometryObject : public ResourceData {
                                      unsigned int const& edge, double const& t,
                                      GeometrySample& sample) const;
 
-    // What a ray test costs, relative to a triangle's. Default: 1.
+    // What a ray test costs, relative to a triangle's; above 0. Default: 1.
     virtual double get_primitive_intersection_cost(unsigned int const& primitive) const;
     // Tests or marks a primitive, by the mode of the context. Default: rejects it.
     virtual void intersect_primitive(CtxEval const& ctx, unsigned int const& primitive,

@@ -89,7 +89,7 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     void get_polygon_vertex_indices(CoreArray<unsigned int>& indices) const;
     void get_polygon_shading_groups(CoreArray<unsigned int>& groups) const;
 
-    // Creases: pairs of vertices, and a sharpness each, kept as given. They do not enter the key.
+    // Creases: two vertices an edge and a sharpness each, kept unchecked, not in the key.
     void set_creases(CoreArray<int> const& indices, CoreArray<float> const& sharpnesses);
     CoreArray<int> const& get_polygon_creases_indice() const;
     void get_polygon_creases_indice(CoreArray<int>& indices) const;
