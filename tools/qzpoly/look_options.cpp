@@ -64,11 +64,31 @@ void check_maps(ToolLookOptions const& options, PolyMesh const& mesh, ToolMessag
     }
 }
 
+// Finds the property that is to be shown; false after saying that there is none.
+bool find_property(ToolLookOptions const& options, GeometryObject const& geometry,
+                   CtxEval const& ctx, ToolMessages& messages, ToolPropertyView& view) {
+    std::string name;
+    if (!shows_property(options.shade_mode, name)) {
+        return true;
+    }
+    GeometryProperty const* const property =
+        geometry.find_property(CoreString(std::string_view(name)));
+    if (property == nullptr) {
+        messages.fail(make_text("no --property is named '", std::string_view(name), "'"));
+        return false;
+    }
+    view = make_property_view(geometry, ctx, *property);
+    return true;
+}
+
 bool make_appearance(ToolLookOptions const& options, ToolMesh const& mesh, ToolMessages& messages,
                      ToolAppearance& appearance) {
     appearance.uv_map = options.uv_map;
     appearance.color_map = options.color_map;
     if (options.shade_mode != get_shade_modes()[0].name) {
+        if (!options.texture.empty()) {
+            refuse_option("--texture", make_text("needs --shade ", get_shade_modes()[0].name));
+        }
         return true;
     }
     if (options.has_materials) {
@@ -128,8 +148,8 @@ void add_map_options(CLI::App& command, ToolLookOptions& options) {
     command.add_option("--color-map", options.color_map, "Number of the color map, from 0");
 }
 
-bool make_look(ToolLookOptions const& options, ToolMesh const& mesh,
-               unsigned int const& usual_samples, ToolMessages& messages,
+bool make_look(ToolLookOptions const& options, ToolMesh const& mesh, GeometryObject const& geometry,
+               CtxEval const& ctx, unsigned int const& usual_samples, ToolMessages& messages,
                ToolRenderSettings& settings) {
     check_maps(options, *mesh.mesh, messages);
     ToolColor background;
@@ -140,5 +160,6 @@ bool make_look(ToolLookOptions const& options, ToolMesh const& mesh,
     settings.shade_mode = find_shade_mode(options.shade_mode);
     settings.samples_per_pixel = options.samples != 0 ? options.samples : usual_samples;
     settings.thread_count = options.thread_count;
-    return make_appearance(options, mesh, messages, settings.appearance);
+    return make_appearance(options, mesh, messages, settings.appearance) &&
+           find_property(options, geometry, ctx, messages, settings.appearance.property);
 }

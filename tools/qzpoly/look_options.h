@@ -22,7 +22,8 @@ void add_look_options(CLI::App& command, ToolLookOptions& options,
                       std::string const& usual_samples);
 void add_map_options(CLI::App& command, ToolLookOptions& options);
 
-// Takes them over, with the mesh's materials. False after the reason has been shown.
-bool make_look(ToolLookOptions const& options, ToolMesh const& mesh,
-               unsigned int const& usual_samples, ToolMessages& messages,
+// Takes them over, with the mesh's materials and a property of the geometry if one is to be shown.
+// False after the reason has been shown.
+bool make_look(ToolLookOptions const& options, ToolMesh const& mesh, GeometryObject const& geometry,
+               CtxEval const& ctx, unsigned int const& usual_samples, ToolMessages& messages,
                ToolRenderSettings& settings);

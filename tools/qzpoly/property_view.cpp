@@ -71,7 +71,7 @@ ToolColor get_property_color(ToolPropertyView const& view, CtxEval const& ctx,
 }
 
 void draw_legend(ToolPropertyView const& view, ToolImage& image) {
-    if (view.is_color || !(view.lowest <= view.highest)) {
+    if (view.property == nullptr || view.is_color || !(view.lowest <= view.highest)) {
         return;
     }
     unsigned int const scale = std::max(1u, image.height / 300);

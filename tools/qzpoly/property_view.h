@@ -24,5 +24,6 @@ ToolPropertyView make_property_view(GeometryObject const& geometry, CtxEval cons
 ToolColor get_property_color(ToolPropertyView const& view, CtxEval const& ctx,
                              GeometryFragment const& fragment);
 
-// Draws the scale of the false colours, with its two ends in figures, into the lower left corner.
+// Draws the scale of the false colours, if there are any, with its two ends in figures, into the
+// lower left corner.
 void draw_legend(ToolPropertyView const& view, ToolImage& image);

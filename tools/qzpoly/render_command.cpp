@@ -65,36 +65,6 @@ std::vector<ToolEdgeLayer> list_edges(RenderOptions const& options, PolyMesh con
     return layers;
 }
 
-// Finds the property that is to be shown; false after saying that there is none.
-bool find_property(RenderOptions const& options, GeometryObject const& geometry, CtxEval const& ctx,
-                   ToolMessages& messages, ToolPropertyView& view) {
-    std::string name;
-    if (!shows_property(options.look.shade_mode, name)) {
-        return true;
-    }
-    GeometryProperty const* const property =
-        geometry.find_property(CoreString(std::string_view(name)));
-    if (property == nullptr) {
-        messages.fail(make_text("no --property is named '", std::string_view(name), "'"));
-        return false;
-    }
-    view = make_property_view(geometry, ctx, *property);
-    return true;
-}
-
-bool make_settings(RenderOptions const& options, ToolMesh const& mesh,
-                   std::vector<double> const& shutter_times, ToolMessages& messages,
-                   ToolRenderSettings& settings) {
-    if (!shutter_times.empty()) {
-        settings.shutter_open = shutter_times.front();
-        settings.shutter_close = shutter_times.back();
-    }
-    settings.edge_layers = list_edges(options, *mesh.mesh);
-    return make_look(options.look, mesh,
-                     shutter_times.size() > 1 ? usual_moving_sample_count : usual_sample_count,
-                     messages, settings);
-}
-
 // Draws the mesh; false after the reason has been shown.
 bool draw(RenderOptions const& options, ToolMesh const& mesh, GeometryObject const& geometry,
           std::vector<double> const& shutter_times, ToolMessages& messages, ToolImage& image) {
@@ -104,9 +74,14 @@ bool draw(RenderOptions const& options, ToolMesh const& mesh, GeometryObject con
         return false;
     }
     ToolRenderSettings settings;
-    ToolPropertyView& property = settings.appearance.property;
-    if (!make_settings(options, mesh, shutter_times, messages, settings) ||
-        !find_property(options, geometry, scene.get_ctx(), messages, property) ||
+    if (!shutter_times.empty()) {
+        settings.shutter_open = shutter_times.front();
+        settings.shutter_close = shutter_times.back();
+    }
+    settings.edge_layers = list_edges(options, *mesh.mesh);
+    if (!make_look(options.look, mesh, geometry, scene.get_ctx(),
+                   shutter_times.size() > 1 ? usual_moving_sample_count : usual_sample_count,
+                   messages, settings) ||
         !scene.prepare(options.is_exact ? GeometryRaytraceCtx::TEST_EXACT
                                         : GeometryRaytraceCtx::TEST_TOLERANT,
                        options.is_brute_force, settings.thread_count, messages)) {
@@ -117,9 +92,7 @@ bool draw(RenderOptions const& options, ToolMesh const& mesh, GeometryObject con
     if (!scene.draw(camera, settings, progress.get_bar(), messages, image)) {
         return false;
     }
-    if (property.property != nullptr) {
-        draw_legend(property, image);
-    }
+    draw_legend(settings.appearance.property, image);
     return true;
 }
 

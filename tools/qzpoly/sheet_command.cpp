@@ -94,7 +94,8 @@ bool draw_model(SheetOptions const& options, std::string const& file, ToolMessag
     ToolProgress progress("rendering");
     progress.get_bar().start();
     return make_camera(options.camera, scene.get_extent(), messages, camera) &&
-           make_look(options.look, mesh, usual_sample_count, messages, settings) &&
+           make_look(options.look, mesh, *mesh.mesh, scene.get_ctx(), usual_sample_count, messages,
+                     settings) &&
            scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
                          messages) &&
            scene.draw(camera, settings, progress.get_bar(), messages, image);

@@ -41,7 +41,8 @@ bool draw_frames(TurntableOptions const& options, ToolMesh const& mesh,
     }
     if (!make_turning_cameras(options.camera, scene.get_extent(), options.frame_count, messages,
                               cameras) ||
-        !make_look(options.look, mesh, usual_sample_count, messages, settings) ||
+        !make_look(options.look, mesh, geometry, scene.get_ctx(), usual_sample_count, messages,
+                   settings) ||
         !scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
                        messages)) {
         return false;
@@ -55,6 +56,7 @@ bool draw_frames(TurntableOptions const& options, ToolMesh const& mesh,
             return false;
         }
         progress.get_bar().end_task();
+        draw_legend(settings.appearance.property, image);
         gif.add_frame(image);
     }
     progress.get_bar().finish();
