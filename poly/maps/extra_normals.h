@@ -45,7 +45,16 @@ class ExtraNormals {
         return m_normals[number];
     }
     unsigned int get_vertex(unsigned int const& number) const { return m_owners[number].vertex; }
-    GMathShortNormalArray const& get_normals() const { return m_normals; }
+
+    // Hands the normals over, and gives all storage back.
+    void take_normals(GMathShortNormalArray& normals) {
+        m_normals.shrink_to_fit();
+        normals.swap(m_normals);
+        m_normals.clear();
+        m_owners.clear();
+        m_first.clear();
+        m_slots.clear();
+    }
 
   private:
     static constexpr unsigned int no_normal = 0xFFFFFFFFu;

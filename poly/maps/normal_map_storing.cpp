@@ -83,7 +83,8 @@ class NormalMapStore {
             step(progress, primitive + 1);
         }
         stored.name = m_map.name;
-        stored.normals.copy_from(m_extra.get_normals());
+        m_remap.clear();  // packing needs room
+        m_extra.take_normals(stored.normals);
         stored.polygon_indices.copy_from(m_indices);
     }
 

@@ -16,26 +16,27 @@ void PolyMesh::build_support_info(AppProgressBar* progress) {
     unsigned int const point_count = m_point_cloud.get_point_count();
     CoreArray<unsigned int> primitives(point_count);
     primitives.fill(CoreIndexArray::absent);
-    CoreArray<unsigned char> places(point_count);
-    places.fill(0);
+    // At first only the x of a vertex is used, for the number of its place: half of the writing.
+    CoreArray<GMathVec2<float>> uvs(point_count);
+    uvs.fill({0, 0});
 
     unsigned int const primitive_count = get_primitive_count();
     set_step_count(progress, primitive_count);
     PrimitiveReader const reader(*m_topology);
     unsigned int* const carriers = primitives.get_data();
+    GMathVec2<float>* const places = uvs.get_data();
     for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
         unsigned int vertices[4];
         unsigned int const count = reader.get_vertices(primitive, vertices);
         unsigned int const first_place = count == 4 ? 0 : triangle_place;
         for (unsigned int k = 0; k < count; ++k) {
             carriers[vertices[k]] = primitive;
-            places[vertices[k]] = static_cast<unsigned char>(first_place + k);
+            places[vertices[k]].x = static_cast<float>(first_place + k);
         }
         step(progress, primitive + 1);
     }
-    CoreArray<GMathVec2<float>> uvs(point_count);
-    for (unsigned int point = 0; point < point_count; ++point) {
-        uvs[point] = places_on_primitive[places[point]];
+    for (GMathVec2<float>& uv : uvs) {
+        uv = places_on_primitive[static_cast<unsigned int>(uv.x)];
     }
     GeometryDescriptor support;
     support.geometry = this;
