@@ -34,14 +34,11 @@ class EdgeLists {
             sum += end;
             end = begin;  // moves on with each edge that is added
         }
-        m_edges.reset(sum);
-        m_greater.reset(sum);
+        m_listed.reset(sum);
     }
     // Then for every edge again.
     void add(unsigned int const& a, unsigned int const& b, Edge const& edge) {
-        unsigned int const place = m_list_ends[std::min(a, b)]++;
-        m_greater[place] = std::max(a, b);
-        m_edges[place] = edge;
+        m_listed[m_list_ends[std::min(a, b)]++] = {std::max(a, b), edge};
     }
 
     // Calls `link(edge, first)` for every edge that is not the first on its vertices, the edges of
@@ -53,7 +50,7 @@ class EdgeLists {
             unsigned int const size = end - begin;
             if (size > long_size) {
                 link_long(begin, size, link);
-            } else if (size > 8 || begin + 8 > m_greater.get_count()) {
+            } else if (size > 8 || begin + 8 > m_listed.get_count()) {
                 link_medium(begin, size, link);
             } else if (size > 1) {
                 link_short(begin, size, link);
@@ -64,6 +61,11 @@ class EdgeLists {
 
   private:
     static constexpr unsigned int long_size = 64;
+
+    struct Listed {
+        unsigned int greater;  // the other vertex
+        Edge edge;
+    };
 
     struct Entry {
         unsigned int greater;
@@ -76,26 +78,26 @@ class EdgeLists {
     // Eight ends may be read.
     template <typename Link>
     void link_short(unsigned int const& begin, unsigned int const& size, Link const& link) {
-        unsigned int const* const greater = m_greater.get_data() + begin;
-        Edge const* const edges = m_edges.get_data() + begin;
-        EightNumbers const ends(greater);
+        Listed const* const listed = m_listed.get_data() + begin;
+        EightNumbers const ends(&listed->greater, sizeof(Listed) / sizeof(unsigned int));
         for (unsigned int i = 1; i < size; ++i) {
-            unsigned int const earlier = ends.get_equal_bits(greater[i]) & ((1u << i) - 1u);
+            unsigned int const earlier = ends.get_equal_bits(listed[i].greater) & ((1u << i) - 1u);
             if (earlier != 0) {
-                link(edges[i], edges[std::countr_zero(earlier)]);
+                link(listed[i].edge, listed[std::countr_zero(earlier)].edge);
             }
         }
     }
 
     template <typename Link>
     void link_medium(unsigned int const& begin, unsigned int const& size, Link const& link) {
-        unsigned int const* const greater = m_greater.get_data() + begin;
-        Edge const* const edges = m_edges.get_data() + begin;
+        Listed const* const listed = m_listed.get_data() + begin;
         for (unsigned int i = 1; i < size; ++i) {
-            unsigned int const first =
-                static_cast<unsigned int>(std::find(greater, greater + i, greater[i]) - greater);
+            unsigned int first = 0;
+            while (listed[first].greater != listed[i].greater) {
+                ++first;
+            }
             if (first < i) {
-                link(edges[i], edges[first]);
+                link(listed[i].edge, listed[first].edge);
             }
         }
     }
@@ -104,7 +106,7 @@ class EdgeLists {
     void link_long(unsigned int const& begin, unsigned int const& size, Link const& link) {
         m_sorted.resize(size);
         for (unsigned int i = 0; i < size; ++i) {
-            m_sorted[i] = {m_greater[begin + i], begin + i};
+            m_sorted[i] = {m_listed[begin + i].greater, begin + i};
         }
         std::sort(m_sorted.begin(), m_sorted.begin() + size);
         unsigned int first = 0;
@@ -112,13 +114,12 @@ class EdgeLists {
             if (m_sorted[i].greater != m_sorted[first].greater) {
                 first = i;
             } else {
-                link(m_edges[m_sorted[i].place], m_edges[m_sorted[first].place]);
+                link(m_listed[m_sorted[i].place].edge, m_listed[m_sorted[first].place].edge);
             }
         }
     }
 
     CoreArray<unsigned int> m_list_ends;  // by lesser vertex
-    CoreArray<unsigned int> m_greater;    // by edge in the lists: the other vertex
-    CoreArray<Edge> m_edges;
+    CoreArray<Listed> m_listed;
     CoreArray<Entry> m_sorted;  // grows to the longest list
 };

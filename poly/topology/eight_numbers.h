@@ -11,9 +11,9 @@
 class EightNumbers {
   public:
 #if QZ_POLY_HAS_SSE2
-    explicit EightNumbers(unsigned int const* numbers)
-        : m_low(_mm_loadu_si128(reinterpret_cast<__m128i const*>(numbers))),
-          m_high(_mm_loadu_si128(reinterpret_cast<__m128i const*>(numbers + 4))) {}
+    // Every `stride`-th of the numbers.
+    EightNumbers(unsigned int const* numbers, unsigned int const& stride)
+        : m_low(load(numbers, stride)), m_high(load(numbers + 4 * stride, stride)) {}
 
     // Bit k tells whether number k equals `number`.
     unsigned int get_equal_bits(unsigned int const& number) const {
@@ -24,20 +24,28 @@ class EightNumbers {
     }
 
   private:
+    static __m128i load(unsigned int const* numbers, unsigned int const& stride) {
+        return _mm_setr_epi32(static_cast<int>(numbers[0]), static_cast<int>(numbers[stride]),
+                              static_cast<int>(numbers[2 * stride]),
+                              static_cast<int>(numbers[3 * stride]));
+    }
+
     __m128i m_low;
     __m128i m_high;
 #else
-    explicit EightNumbers(unsigned int const* numbers) : m_numbers(numbers) {}
+    EightNumbers(unsigned int const* numbers, unsigned int const& stride)
+        : m_numbers(numbers), m_stride(stride) {}
 
     unsigned int get_equal_bits(unsigned int const& number) const {
         unsigned int bits = 0;
         for (unsigned int k = 0; k < 8; ++k) {
-            bits |= (m_numbers[k] == number ? 1u : 0u) << k;
+            bits |= (m_numbers[k * m_stride] == number ? 1u : 0u) << k;
         }
         return bits;
     }
 
   private:
     unsigned int const* m_numbers;
+    unsigned int m_stride;
 #endif
 };

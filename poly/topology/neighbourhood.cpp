@@ -94,7 +94,7 @@ bool is_valid(Faces const& faces, unsigned int const& face) {
     unsigned int const* const vertices = faces.get_vertices(face);
     bool is_face_valid = true;
     for (unsigned int k = 0; k < faces.get_size(face); ++k) {
-        is_face_valid = is_face_valid && vertices[k] != none;
+        is_face_valid &= vertices[k] != none;
     }
     return is_face_valid;
 }
