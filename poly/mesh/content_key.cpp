@@ -1,14 +1,14 @@
 #include <poly/mesh/content_key.h>
 
+#include <iterator>
+
 namespace {
 
 constexpr unsigned int seed = 0;
 
 template <typename T>
-Core128BitHashKey hash_array(CoreBasicArray<T> const& array) {
-    Core128BitHashKey key;
-    CoreHash::generate_murmur3(array.get_data(), sizeof(T) * 1ull * array.get_count(), key, seed);
-    return key;
+CoreHashInput get_input(CoreBasicArray<T> const& array) {
+    return {array.get_data(), sizeof(T) * 1ull * array.get_count()};
 }
 
 }  // namespace
@@ -19,9 +19,11 @@ Core128BitHashKey compute_content_key(CoreBasicArray<GMathVec3<float>> const& po
     if (positions.is_empty()) {
         return CoreHash::null_key();
     }
-    Core128BitHashKey const keys[5] = {
-        hash_array(positions), hash_array(velocities), hash_array(polygons.vertex_indices),
-        hash_array(polygons.vertex_count), hash_array(polygons.shading_groups)};
+    CoreHashInput const inputs[] = {
+        get_input(positions), get_input(velocities), get_input(polygons.vertex_indices),
+        get_input(polygons.vertex_count), get_input(polygons.shading_groups)};
+    Core128BitHashKey keys[std::size(inputs)];
+    CoreHash::generate_murmur3(inputs, std::size(inputs), keys, seed);
     Core128BitHashKey key;
     CoreHash::generate_murmur3(keys, sizeof keys, key, seed);
     return key;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <vector>
 
 // The check that the algorithm was published with: the keys of 0, 01, 012, ... up to 255 bytes,
@@ -23,4 +24,25 @@ TEST(CoreHash, PassesThePublishedCheckOverAllTailLengths) {
     EXPECT_EQ(key, (Core128BitHashKey{{0xe34bbc7bbc071b6cull, 0x7a433ca9c49a9347ull}}));
     CoreHash::generate_murmur3(nullptr, 0, key, 0);
     EXPECT_EQ(key, CoreHash::null_key());
+}
+
+TEST(CoreHash, GivesManyKeysAsOneAfterTheOther) {
+    std::vector<unsigned char> bytes(1000);
+    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
+    std::vector<unsigned long long> const rows[] = {
+        {}, {40}, {0, 0}, {64, 64, 64}, {900, 33, 15, 0, 500, 16}, {1, 100, 999, 1000, 0, 17}};
+    for (std::vector<unsigned long long> const& sizes : rows) {
+        std::vector<CoreHashInput> inputs;
+        for (unsigned long long const size : sizes) {
+            inputs.push_back({bytes.data() + (1000 - size), size});
+        }
+        std::vector<Core128BitHashKey> keys(sizes.size());
+        CoreHash::generate_murmur3(inputs.data(), static_cast<unsigned int>(sizes.size()),
+                                   keys.data(), 7);
+        for (std::size_t i = 0; i < sizes.size(); ++i) {
+            Core128BitHashKey key;
+            CoreHash::generate_murmur3(inputs[i].data, inputs[i].size, key, 7);
+            EXPECT_EQ(keys[i], key) << i << " of " << sizes.size();
+        }
+    }
 }
