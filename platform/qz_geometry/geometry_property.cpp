@@ -74,15 +74,24 @@ void GeometryProperty::set_attached(unsigned int const& sample, bool const& is_a
                            std::memory_order_release);
 }
 
+// Most properties have one sample, which is there: nothing need be kept for after its callback.
 unsigned int GeometryProperty::evaluate(CtxEval const& ctx, GeometryFragment const& fragment,
                                         long long* values, long long* d_ds, long long* d_dt,
                                         long long* d_extra, unsigned int const& max_count) const {
+    if (m_integer_callback && m_time_sampling.get_sample_count() == 1 &&
+        get_state(0) == STATE_ATTACHED) {
+        return m_integer_callback(*this, ctx, fragment, 0, values, d_ds, d_dt, d_extra, max_count);
+    }
     return evaluate_by(m_integer_callback, ctx, fragment, values, d_ds, d_dt, d_extra, max_count);
 }
 
 unsigned int GeometryProperty::evaluate(CtxEval const& ctx, GeometryFragment const& fragment,
                                         double* values, double* d_ds, double* d_dt, double* d_extra,
                                         unsigned int const& max_count) const {
+    if (m_double_callback && m_time_sampling.get_sample_count() == 1 &&
+        get_state(0) == STATE_ATTACHED) {
+        return m_double_callback(*this, ctx, fragment, 0, values, d_ds, d_dt, d_extra, max_count);
+    }
     return evaluate_by(m_double_callback, ctx, fragment, values, d_ds, d_dt, d_extra, max_count);
 }
 
@@ -106,10 +115,10 @@ bool GeometryProperty::load_slowly(unsigned int const& sample) const {
 }
 
 template <typename T>
-inline unsigned int GeometryProperty::evaluate_by(Callback<T> const& callback, CtxEval const& ctx,
-                                                  GeometryFragment const& fragment, T* values,
-                                                  T* d_ds, T* d_dt, T* d_extra,
-                                                  unsigned int const& max_count) const {
+unsigned int GeometryProperty::evaluate_by(Callback<T> const& callback, CtxEval const& ctx,
+                                           GeometryFragment const& fragment, T* values, T* d_ds,
+                                           T* d_dt, T* d_extra,
+                                           unsigned int const& max_count) const {
     unsigned int const sample_count = m_time_sampling.get_sample_count();
     if (!callback || sample_count == 0) {
         return 0;
@@ -132,6 +141,7 @@ inline unsigned int GeometryProperty::evaluate_by(Callback<T> const& callback, C
 }
 
 // The later sample goes to scratch first, so that its count limits what the outputs are given.
+// Called, not inlined: the many who ask for one sample need no room for scratch.
 template <typename T>
 unsigned int GeometryProperty::evaluate_between(Callback<T> const& callback, CtxEval const& ctx,
                                                 GeometryFragment const& fragment,

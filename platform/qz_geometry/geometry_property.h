@@ -116,9 +116,9 @@ class QZ_GEOMETRY_EXPORT GeometryProperty : public CoreBaseObject {
     void allocate_states();
     bool load_slowly(unsigned int const& sample) const;
     template <typename T>
-    unsigned int evaluate_by(Callback<T> const& callback, CtxEval const& ctx,
-                             GeometryFragment const& fragment, T* values, T* d_ds, T* d_dt,
-                             T* d_extra, unsigned int const& max_count) const;
+    [[gnu::noinline]] unsigned int
+    evaluate_by(Callback<T> const& callback, CtxEval const& ctx, GeometryFragment const& fragment,
+                T* values, T* d_ds, T* d_dt, T* d_extra, unsigned int const& max_count) const;
     template <typename T>
     unsigned int evaluate_between(Callback<T> const& callback, CtxEval const& ctx,
                                   GeometryFragment const& fragment, unsigned int const& sample,
