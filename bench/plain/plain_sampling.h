@@ -5,7 +5,8 @@
 
 #include <vector>
 
-// A fragment on plain arrays: the arithmetic of samples and maps, and nothing else.
+// A fragment on plain arrays: the arithmetic of samples and maps, and nothing else. Called and not
+// inlined, as anything is that answers fragments from a library.
 namespace plain {
 
 struct Sample {
@@ -49,7 +50,8 @@ inline T interpolate(Place const& place, T const (&x)[3]) {
 }
 
 template <unsigned int size>
-void compute_sample(Surface<size> const& surface, GeometryFragment const& fragment, Sample& out) {
+[[gnu::noinline]] void compute_sample(Surface<size> const& surface,
+                                      GeometryFragment const& fragment, Sample& out) {
     using Vec = GMathVec3<float>;
     Place const place = find_place<size>(surface.corners.data(), fragment);
     Vec const x[3] = {surface.positions[place.v[0]], surface.positions[place.v[1]],
@@ -73,8 +75,8 @@ void compute_sample(Surface<size> const& surface, GeometryFragment const& fragme
 }
 
 template <unsigned int size>
-void compute_uvw(Surface<size> const& surface, GeometryFragment const& fragment,
-                 GMathVec3<double> (&out)[3]) {
+[[gnu::noinline]] void compute_uvw(Surface<size> const& surface, GeometryFragment const& fragment,
+                                   GMathVec3<double> (&out)[3]) {
     Place const place = find_place<size>(surface.corners.data(), fragment);
     GMathVec3<float> const x[3] = {surface.uvs[place.v[0]], surface.uvs[place.v[1]],
                                    surface.uvs[place.v[2]]};
@@ -84,8 +86,8 @@ void compute_uvw(Surface<size> const& surface, GeometryFragment const& fragment,
 }
 
 template <unsigned int size>
-void compute_color(Surface<size> const& surface, GeometryFragment const& fragment,
-                   GMathVec4<float>& out) {
+[[gnu::noinline]] void compute_color(Surface<size> const& surface, GeometryFragment const& fragment,
+                                     GMathVec4<float>& out) {
     Place const place = find_place<size>(surface.corners.data(), fragment);
     GMathVec4<float> const& a = surface.colors[place.v[0]];
     GMathVec4<float> const& b = surface.colors[place.v[1]];
@@ -95,8 +97,8 @@ void compute_color(Surface<size> const& surface, GeometryFragment const& fragmen
 }
 
 template <unsigned int size>
-void compute_number(Surface<size> const& surface, GeometryFragment const& fragment,
-                    double (&out)[3]) {
+[[gnu::noinline]] void compute_number(Surface<size> const& surface,
+                                      GeometryFragment const& fragment, double (&out)[3]) {
     Place place = find_place<size>(surface.corners.data(), fragment);
     place.w[0] = (1.0f - place.w[1]) - place.w[2];
     float const x[3] = {surface.numbers[place.v[0]], surface.numbers[place.v[1]],
