@@ -14,11 +14,6 @@ struct TracePeer {
     BenchBar bar;
 };
 
-std::shared_ptr<TraceInput const> make_input(BenchMesh const& mesh) {
-    return std::make_shared<TraceInput>(
-        TraceInput{mesh, make_poly_mesh(mesh), make_camera_rays(mesh, 256)});
-}
-
 // All but a few rays, which meet edges, meet the same primitive; and there are hits at all.
 bool agree(std::vector<TraceHit> const& a, std::vector<TraceHit> const& b) {
     std::size_t equal_count = 0, hit_count = 0;
@@ -32,10 +27,11 @@ bool agree(std::vector<TraceHit> const& a, std::vector<TraceHit> const& b) {
     return a.size() == b.size() && 1000 * equal_count > 999 * a.size() && hit_count > 1000;
 }
 
-void fill_row(BenchRow& row, BenchMesh const& mesh, TraceSide const& side,
-              std::vector<TracePeer> const& peers) {
+void fill_row(BenchRow& row, BenchMesh const& mesh, std::vector<GeometryRay> const& rays,
+              TraceSide const& side, std::vector<TracePeer> const& peers) {
     if constexpr (has_embree) {
-        auto const input = make_input(mesh);
+        auto const input =
+            std::make_shared<TraceInput const>(TraceInput{mesh, make_poly_mesh(mesh), rays});
         TraceWork const ours = make_embree_trace(input, side);
         row.ours(ours.work);
         for (TracePeer const& peer : peers) {
@@ -57,14 +53,23 @@ void add_ray_rows(Bench& bench, BenchInputs& inputs) {
             continue;
         }
         bench.add("rays/" + name, [=, &inputs](BenchRow& row) {
-            fill_row(row, inputs.get_mesh(name), TraceSide::OURS,
+            BenchMesh const& mesh = inputs.get_mesh(name);
+            fill_row(row, mesh, make_camera_rays(mesh, 256), TraceSide::OURS,
                      {{"plain callback", TraceSide::PLAIN, at_least(1.0)}});
         });
         bench.add("rays/" + name + "-packets", [=, &inputs](BenchRow& row) {
-            fill_row(row, inputs.get_mesh(name), TraceSide::OURS_BY_8,
+            BenchMesh const& mesh = inputs.get_mesh(name);
+            fill_row(row, mesh, make_sample_rays(mesh), TraceSide::OURS_BY_8,
                      {{"plain callback", TraceSide::PLAIN_BY_8, at_least(1.5)},
                       {"a call per ray", TraceSide::OURS_8_BY_CALLS, shown()},
                       {"plain, ray by ray", TraceSide::PLAIN, shown()}});
+            row.note("a packet is the 8 samples of a pixel");
+        });
+        bench.add("rays/" + name + "-loose-packets", [=, &inputs](BenchRow& row) {
+            BenchMesh const& mesh = inputs.get_mesh(name);
+            fill_row(row, mesh, make_camera_rays(mesh, 256), TraceSide::OURS_BY_8,
+                     {{"plain callback", TraceSide::PLAIN_BY_8, shown()}});
+            row.note("a packet is 8 pixels, which seldom meet the same primitive");
         });
     }
 }

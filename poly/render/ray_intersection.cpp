@@ -3,6 +3,7 @@
 #include <poly/render/triangle_tests.h>
 #include <poly/render/vertex_fetch.h>
 
+#include <algorithm>
 #include <type_traits>
 
 namespace {
@@ -12,6 +13,27 @@ struct RayQuery {
     GeometryRaytraceCtx& rays;
     unsigned int primitive;
 };
+
+constexpr int lane_count = 4;
+
+// Rays `ray` to `ray + count - 1`; the last fills the lanes that are left.
+inline RayLanes load_rays(GeometryRaytraceCtx const& rays, unsigned int const& ray,
+                          unsigned int const& count) {
+    auto const get = [&](unsigned int const& k) -> GMathBasicRay const& {
+        return rays.get_basic_ray(ray + std::min(k, count - 1));
+    };
+    GMathBasicRay const &a = get(0), &b = get(1), &c = get(2), &d = get(3);
+    auto const narrow = [&](auto const& get_component) {
+        return VecLanes{static_cast<float>(get_component(a)), static_cast<float>(get_component(b)),
+                        static_cast<float>(get_component(c)), static_cast<float>(get_component(d))};
+    };
+    return {{narrow([](GMathBasicRay const& r) { return r.get_origin().x; }),
+             narrow([](GMathBasicRay const& r) { return r.get_origin().y; }),
+             narrow([](GMathBasicRay const& r) { return r.get_origin().z; })},
+            {narrow([](GMathBasicRay const& r) { return r.get_direction().x; }),
+             narrow([](GMathBasicRay const& r) { return r.get_direction().y; }),
+             narrow([](GMathBasicRay const& r) { return r.get_direction().z; })}};
+}
 
 // What a mesh tells of the medium behind its surface: nothing.
 constexpr GeometryMediumDescriptor no_medium;
@@ -25,11 +47,10 @@ struct NumberedTriangle {
                corners[surface_triangles[number].corners[2]]) {}
 
     template <bool is_moving>
-    void trace(RayQuery const& query, unsigned int const& ray) const {
-        GMathBasicRay const& basic_ray = query.rays.get_basic_ray(ray);
+    void trace(RayQuery const& query, unsigned int const& ray, GMathVec3<float> const& origin,
+               GMathVec3<float> const& direction) const {
         TriangleHit hit;
-        if (test.intersect(GMathVec3<float>(basic_ray.get_origin()),
-                           GMathVec3<float>(basic_ray.get_direction()), hit)) {
+        if (test.intersect(origin, direction, hit)) {
             push<is_moving>(query, ray, hit);
         }
     }
@@ -52,34 +73,62 @@ struct NumberedTriangle {
     Test test;
 };
 
-// Rays `first` to `last`, both included. Both halves of a quad are always tested, and each pushes
-// its own hit.
-template <typename Test, bool is_quad, bool is_moving>
-void trace_rays(RayQuery const& query, GMathVec3<float> const* corners, int const& first,
-                int const& last) {
-    if constexpr (is_quad) {
-        NumberedTriangle<Test, 1> const first_half(corners);
-        NumberedTriangle<Test, 2> const second_half(corners);
-        for (int ray = first; ray <= last; ++ray) {
-            first_half.template trace<is_moving>(query, static_cast<unsigned int>(ray));
-            second_half.template trace<is_moving>(query, static_cast<unsigned int>(ray));
-        }
-    } else {
-        NumberedTriangle<Test, 0> const triangle(corners);
-        for (int ray = first; ray <= last; ++ray) {
-            triangle.template trace<is_moving>(query, static_cast<unsigned int>(ray));
+// The triangles of a primitive. Both halves of a quad are always tested, and each pushes its own
+// hit.
+template <typename Test, bool is_quad>
+struct PrimitiveTest {
+    explicit PrimitiveTest(GMathVec3<float> const* corners) : first(corners), second(corners) {}
+
+    template <bool is_moving>
+    void trace(RayQuery const& query, unsigned int const& ray) const {
+        GMathBasicRay const& basic_ray = query.rays.get_basic_ray(ray);
+        GMathVec3<float> const origin(basic_ray.get_origin());
+        GMathVec3<float> const direction(basic_ray.get_direction());
+        first.template trace<is_moving>(query, ray, origin, direction);
+        if constexpr (is_quad) {
+            second.template trace<is_moving>(query, ray, origin, direction);
         }
     }
-}
+
+    // The same for rays `ray` to `ray + count - 1`, of which there are at most four.
+    void trace_lanes(RayQuery const& query, unsigned int const& ray,
+                     unsigned int const& count) const {
+        RayLanes const lanes = load_rays(query.rays, ray, count);
+        TriangleHitLanes const hits = first.test.intersect(lanes);
+        TriangleHitLanes const more_hits = second.test.intersect(lanes);
+        unsigned int const bits = hits.bits | (is_quad ? more_hits.bits : 0u);
+        for (unsigned int k = 0; k < count; ++k) {
+            if ((bits >> k & 1u) == 0) {
+                continue;
+            }
+            if ((hits.bits >> k & 1u) != 0) {
+                first.template push<false>(query, ray + k, hits.get(k));
+            }
+            if (is_quad && (more_hits.bits >> k & 1u) != 0) {
+                second.template push<false>(query, ray + k, more_hits.get(k));
+            }
+        }
+    }
+
+    NumberedTriangle<Test, is_quad ? 1 : 0> first;
+    NumberedTriangle<Test, is_quad ? 2 : 0> second;  // unused by triangles
+};
 
 template <typename Test, bool is_quad>
 void trace_at_rest(RayQuery const& query, GeometryPointCloudData const& data,
                    unsigned int const* vertices) {
     GMathVec3<float> corners[4];
     fetch_positions(data.positions, vertices, is_quad ? 4 : 3, corners);
-    int const first = query.rays.get_first_active();
+    PrimitiveTest<Test, is_quad> const test(corners);
     int const last = query.rays.get_last_active();
-    trace_rays<Test, is_quad, false>(query, corners, first, last);
+    int ray = query.rays.get_first_active();
+    for (; ray < last; ray += lane_count) {
+        test.trace_lanes(query, static_cast<unsigned int>(ray),
+                         static_cast<unsigned int>(std::min(lane_count, last - ray + 1)));
+    }
+    if (ray == last) {
+        test.template trace<false>(query, static_cast<unsigned int>(ray));
+    }
 }
 
 // Every ray has its own time, and so its own corners.
@@ -94,7 +143,8 @@ void trace_in_motion(RayQuery const& query, GeometryPointCloudData const& data,
                                positions);
         GMathVec3<float> corners[4];
         fetch_positions(positions, vertices, is_quad ? 4 : 3, corners);
-        trace_rays<Test, is_quad, true>(query, corners, ray, ray);
+        PrimitiveTest<Test, is_quad>(corners).template trace<true>(query,
+                                                                   static_cast<unsigned int>(ray));
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <poly/render/vec_lanes.h>
+
 #include <platform/qz_gmath.h>
 
 // The two ray-triangle tests, in floats. Both meet a triangle from either side, and report whatever
@@ -12,6 +14,23 @@ struct TriangleHit {
     float u;
     float v;
     float distance;
+};
+
+// Four rays side by side, and what they meet: hits as above, for the lanes whose bits are set. All
+// steps of a test are taken for all four, in the same order and rounded alike, so that the hits are
+// the very ones that the rays have one by one; what a test would not have got to is masked out.
+struct RayLanes {
+    GMathVec3<VecLanes> origin;
+    GMathVec3<VecLanes> direction;
+};
+
+struct TriangleHitLanes {
+    VecLanes u;
+    VecLanes v;
+    VecLanes distance;
+    unsigned int bits;
+
+    TriangleHit get(unsigned int const& lane) const { return {u[lane], v[lane], distance[lane]}; }
 };
 
 // Widens the triangle by a float's epsilon in the weights, so that rounding leaves no gap between
@@ -30,8 +49,6 @@ class TolerantTriangle {
     // parallel.
     bool intersect(GMathVec3<float> const& origin, GMathVec3<float> const& direction,
                    TriangleHit& hit) const {
-        constexpr float lowest = -GMath<float>::s_epsilon;
-        constexpr float highest = 1.0f + GMath<float>::s_epsilon;
         GMathVec3<float> const p = gmath_cross(direction, m_e2);
         float const determinant = gmath_dot(m_e1, p);
         if (determinant == 0.0f) {
@@ -51,8 +68,25 @@ class TolerantTriangle {
         hit = {u, v, gmath_dot(m_e2, q) * inverse};
         return true;
     }
+    TriangleHitLanes intersect(RayLanes const& rays) const {
+        GMathVec3<VecLanes> const e1 = spread(m_e1);
+        GMathVec3<VecLanes> const e2 = spread(m_e2);
+        GMathVec3<VecLanes> const p = gmath_cross(rays.direction, e2);
+        VecLanes const determinant = gmath_dot(e1, p);
+        VecLanes const inverse = 1.0f / determinant;
+        GMathVec3<VecLanes> const from_p0 = rays.origin - spread(m_p0);
+        VecLanes const u = gmath_dot(from_p0, p) * inverse;
+        GMathVec3<VecLanes> const q = gmath_cross(from_p0, e1);
+        VecLanes const v = gmath_dot(rays.direction, q) * inverse;
+        IntLanes const is_missed =
+            (determinant == 0.0f) | (u < lowest) | (u > highest) | (v < lowest) | (u + v > highest);
+        return {u, v, gmath_dot(e2, q) * inverse, ~get_bits(is_missed)};
+    }
 
   private:
+    static constexpr float lowest = -GMath<float>::s_epsilon;
+    static constexpr float highest = 1.0f + GMath<float>::s_epsilon;
+
     GMathVec3<float> m_p0;
     GMathVec3<float> m_e1;
     GMathVec3<float> m_e2;
@@ -95,6 +129,23 @@ class ExactTriangle {
         }
         hit = {u, v, gmath_dot(normal, r0) * inverse};
         return true;
+    }
+    TriangleHitLanes intersect(RayLanes const& rays) const {
+        GMathVec3<VecLanes> const& direction = rays.direction;
+        GMathVec3<VecLanes> const r0 = spread(m_p0) - rays.origin;
+        GMathVec3<VecLanes> const r1 = spread(m_p1) - rays.origin;
+        GMathVec3<VecLanes> const r2 = spread(m_p2) - rays.origin;
+        GMathVec3<VecLanes> const e0 = r0 - r1;
+        GMathVec3<VecLanes> const e1 = r1 - r2;
+        GMathVec3<VecLanes> const e2 = r2 - r0;
+        GMathVec3<VecLanes> const normal = gmath_cross(e0, e2) * spread(2.0f);
+        VecLanes const denominator = gmath_dot(normal, direction);
+        VecLanes const inverse = 1.0f / denominator;
+        VecLanes const u = gmath_dot(gmath_cross(r2 + r0, e2), direction) * inverse;
+        VecLanes const v = gmath_dot(gmath_cross(r0 + r1, e0), direction) * inverse;
+        VecLanes const w = gmath_dot(gmath_cross(r1 + r2, e1), direction) * inverse;
+        IntLanes const is_missed = (denominator == 0.0f) | (u < 0.0f) | (v < 0.0f) | (w < 0.0f);
+        return {u, v, gmath_dot(normal, r0) * inverse, ~get_bits(is_missed)};
     }
 
   private:

@@ -148,4 +148,53 @@ TEST(RayIntersection, PushesHitsOfActiveRays) {
     }
 }
 
+// Packets of rays push the hits, bit for bit and in the order, that their rays push alone.
+TEST(RayIntersection, PacketsMeetWhatTheirRaysMeet) {
+    unsigned int hit_count = 0;
+    for (unsigned int seed = 0; seed < 4000; ++seed) {
+        Random random{std::mt19937(seed)};
+        Shape shape = seed % 2 == 0 ? make_triangle() : make_square();
+        for (Vec& position : shape.positions) {
+            position = seed % 16 < 2 ? Vec(1, 0, 0) * random.number() : random.point();
+        }
+        shape.check_quads = false;
+        PolyMesh mesh;
+        shape.set(mesh);
+        std::vector<GeometryRay> rays(8);
+        for (GeometryRay& ray :
+             rays) {  // at places around the primitive, its corners and its edges
+            Vec const target = shape.positions[0] * random.number() +
+                               shape.positions[1 + seed / 8 % 2] * (seed % 8 < 4 ? 0.5f : 0.0f);
+            Wide const origin(random.point() * 4.0f);
+            ray.ray = GMathBasicRay(origin, Wide(target) - origin);
+        }
+        auto const trace = [&](int const& first, int const& last, CoreArray<GeometryHit>& hits) {
+            GeometryRaytraceCtx ctx(rays.data(), nullptr, 8);
+            ctx.test_mode = seed % 4 < 2 ? ctx.TEST_EXACT : ctx.TEST_TOLERANT;
+            ctx.keep_mode = GeometryRaytraceCtx::KEEP_ALL;
+            ctx.set_active_range(first, last);
+            mesh.intersect_primitive(CtxEval(), 0, ctx);
+            for (GeometryHit const& hit : ctx.all_hits) {
+                hits.append(hit);
+            }
+        };
+        int const first = static_cast<int>(seed / 4 % 8);
+        int const last = first + static_cast<int>(seed / 32) % (8 - first);
+        CoreArray<GeometryHit> together, alone;
+        trace(first, last, together);
+        for (int ray = first; ray <= last; ++ray) {
+            trace(ray, ray, alone);
+        }
+        ASSERT_EQ(together.get_count(), alone.get_count()) << seed;
+        for (unsigned int i = 0; i < alone.get_count(); ++i) {
+            GeometryHit const &a = together[i], &b = alone[i];
+            EXPECT_TRUE(a.ray_index == b.ray_index && a.s == b.s && a.t == b.t &&
+                        a.distance == b.distance)
+                << seed;
+        }
+        hit_count += alone.get_count();
+    }
+    EXPECT_GT(hit_count, 2000u);
+}
+
 }  // namespace
