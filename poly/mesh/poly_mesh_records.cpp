@@ -31,6 +31,8 @@ void PolyMeshTopology::clone_from(PolyMeshTopology const& other) {
     primitive_index_offsets = other.primitive_index_offsets;
     primitive_shading_groups = other.primitive_shading_groups;
     primitive_infos = other.primitive_infos;
+    uniform_corner_count = other.uniform_corner_count;
+    uniform_info = other.uniform_info;
     primitive_index_count = other.primitive_index_count;
     triangle_count = other.triangle_count;
     quad_count = other.quad_count;

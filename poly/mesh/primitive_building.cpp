@@ -60,6 +60,7 @@ class PrimitiveBuilder {
             fill(progress);
             m_writers = nullptr;
         }
+        find_uniform_size();
         return m_degenerate_count;
     }
 
@@ -166,6 +167,15 @@ class PrimitiveBuilder {
         m_writers->polygon_indices.append(polygon);
         m_writers->shading_groups.append(m_polygons.shading_groups[polygon]);
         ++m_primitive;
+    }
+
+    void find_uniform_size() {
+        unsigned int const count = m_polygons.vertex_count.get_count();
+        bool const is_whole = m_cut_count == 0 && m_primitive_count == count;
+        bool const are_quads = is_whole && m_topology.quad_count == count;
+        bool const are_triangles = is_whole && m_topology.triangle_count == count;
+        m_topology.uniform_corner_count = are_quads ? 4 : are_triangles ? 3 : 0;
+        m_topology.uniform_info = are_quads ? whole_quad_info : whole_triangle_info;
     }
 
     struct Writers {

@@ -4,17 +4,49 @@
 
 // The one way from a primitive to its corners.
 
+// Where a primitive's corner ids are: from `offset` on, themselves if it is direct, else in
+// triangle_indices.
+struct PrimitivePlace {
+    unsigned int offset;
+    unsigned int info;  // the bits of PolyMeshPrimitiveInfo
+
+    bool is_quad() const { return (info & PolyMeshPrimitiveInfo::quad_bit) != 0; }
+    bool is_direct() const { return (info & PolyMeshPrimitiveInfo::direct_bit) != 0; }
+};
+
+inline PrimitivePlace find_primitive(PolyMeshTopology const& topology,
+                                     unsigned int const& primitive) {
+    // Most meshes are all triangles or all quads: then two arrays need not be read.
+    if (topology.uniform_corner_count != 0) {
+        return {primitive * topology.uniform_corner_count, topology.uniform_info};
+    }
+    return {topology.primitive_index_offsets[primitive], topology.primitive_infos[primitive]};
+}
+
+// Three indices side by side. Not an array, so that compilers keep them in registers.
+struct IndexTriple {
+    unsigned int a;
+    unsigned int b;
+    unsigned int c;
+};
+
+// What an array of indices holds for three.
+template <typename Array>
+IndexTriple look_up(Array const& array, IndexTriple const& indices) {
+    return {array[indices.a], array[indices.b], array[indices.c]};
+}
+
 inline bool is_quad(PolyMeshTopology const& topology, unsigned int const& primitive) {
-    return (topology.primitive_infos[primitive] & PolyMeshPrimitiveInfo::quad_bit) != 0;
+    return find_primitive(topology, primitive).is_quad();
 }
 
 // Writes the primitive's 3 or 4 corner ids, and returns how many. `ids` has room for 4; the fourth
 // of a triangle is left alone.
 inline unsigned int get_primitive_corner_ids(PolyMeshTopology const& topology,
                                              unsigned int const& primitive, unsigned int* ids) {
-    unsigned int const info = topology.primitive_infos[primitive];
-    unsigned int const offset = topology.primitive_index_offsets[primitive];
-    if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
+    PrimitivePlace const place = find_primitive(topology, primitive);
+    unsigned int const offset = place.offset;
+    if (!place.is_direct()) {
         ids[0] = topology.triangle_indices[offset];
         ids[1] = topology.triangle_indices[offset + 1];
         ids[2] = topology.triangle_indices[offset + 2];
@@ -23,27 +55,11 @@ inline unsigned int get_primitive_corner_ids(PolyMeshTopology const& topology,
     ids[0] = offset;
     ids[1] = offset + 1;
     ids[2] = offset + 2;
-    if ((info & PolyMeshPrimitiveInfo::quad_bit) == 0) {
+    if (!place.is_quad()) {
         return 3;
     }
     ids[3] = offset + 3;
     return 4;
-}
-
-// The corner ids of three of the primitive's corners, given by their numbers.
-inline void get_primitive_corner_ids(PolyMeshTopology const& topology,
-                                     unsigned int const& primitive,
-                                     unsigned int const (&corners)[3], unsigned int (&ids)[3]) {
-    unsigned int const info = topology.primitive_infos[primitive];
-    unsigned int const offset = topology.primitive_index_offsets[primitive];
-    ids[0] = offset + corners[0];
-    ids[1] = offset + corners[1];
-    ids[2] = offset + corners[2];
-    if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
-        ids[0] = topology.triangle_indices[ids[0]];
-        ids[1] = topology.triangle_indices[ids[1]];
-        ids[2] = topology.triangle_indices[ids[2]];
-    }
 }
 
 // The same with the vertices of the corners.

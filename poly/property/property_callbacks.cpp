@@ -48,49 +48,78 @@ unsigned int give_item(ResourceProperty const& block, unsigned int const& item, 
     return count;
 }
 
-// Replaces numbers by what an array holds there. Spelt out, so that all stays in registers.
-template <typename Array>
-void map_through(Array const& array, unsigned int (&numbers)[3]) {
-    numbers[0] = array[numbers[0]];
-    numbers[1] = array[numbers[1]];
-    numbers[2] = array[numbers[2]];
-}
-
 // The numbers of the items at the corners of one triangle of a primitive.
-inline void get_corner_items(PolyMeshProperty const& property, PolyMeshTopology const& topology,
-                             unsigned int const& primitive, SurfaceTriangle const& triangle,
-                             unsigned int (&items)[3]) {
-    get_surface_corner_ids(topology, primitive, triangle, items);
-    if (property.has_indices()) {
-        map_through(property.get_indices(), items);
-    } else {
-        map_through(topology.polygon_vertex_indices, items);
-    }
+inline IndexTriple get_corner_items(PolyMeshProperty const& property,
+                                    PolyMeshTopology const& topology,
+                                    PrimitivePlace const& primitive,
+                                    SurfaceTriangle const& triangle) {
+    IndexTriple const ids = get_surface_corner_ids(topology, primitive, triangle);
+    return property.has_indices() ? look_up(property.get_indices(), ids)
+                                  : look_up(topology.polygon_vertex_indices, ids);
 }
 
-// The elements of three items. Returns how many all of them have, at most `max_count`; `x` may be
-// left alone when that is 0. Items of one length lie one after the other.
-template <typename Element>
-inline unsigned int get_item_elements(ResourceProperty const& block, unsigned int const (&items)[3],
-                                      unsigned int const& max_count, Element const* (&x)[3]) {
-    unsigned int count = max_count;
-    if (block.has_offsets()) {
-        for (unsigned int k = 0; k < 3; ++k) {
-            count = std::min(count, block.get_item_length(items[k]));
-            x[k] = get_elements<Element>(block, items[k]);
-        }
-        return count;
-    }
-    unsigned int const item_count = block.get_item_count();
-    if (items[0] >= item_count || items[1] >= item_count || items[2] >= item_count) {
+// Items of one element each, which lie one after the other.
+inline bool has_single_elements(ResourceProperty const& block) {
+    return !block.has_offsets() && block.get_item_length(0) == 1;
+}
+
+// At most `max_count` components; one, if all items have a `single` element.
+template <typename Element, typename Output, bool single>
+inline unsigned int
+interpolate_items(PolyMeshProperty const& property, ResourceProperty const& block,
+                  GeometryFragment const& fragment, Output* values, Output* d_ds, Output* d_dt,
+                  Output* d_extra, unsigned int const& max_count) {
+    PolyMeshTopology const& topology = property.get_mesh().get_topology();
+    if (fragment.primitive_index >= topology.primitive_infos.get_count()) {
         return 0;
     }
-    std::size_t const extent = block.get_item_length(0);
-    Element const* const first = get_elements<Element>(block, 0);
-    x[0] = first + items[0] * extent;
-    x[1] = first + items[1] * extent;
-    x[2] = first + items[2] * extent;
-    return std::min(count, block.get_item_length(0));
+    PrimitivePlace const place = find_primitive(topology, fragment.primitive_index);
+    SurfaceWeights const weights =
+        compute_property_weights(place.is_quad(), fragment.s, fragment.t);
+    IndexTriple const items = get_corner_items(property, topology, place, *weights.triangle);
+    unsigned int const item_count = block.get_item_count();
+    if (items.a >= item_count || items.b >= item_count || items.c >= item_count) {
+        return 0;
+    }
+    Element const* corners[3];
+    unsigned int count = 1;
+    if constexpr (single) {
+        Element const* const first = get_elements<Element>(block, 0);
+        corners[0] = first + items.a;
+        corners[1] = first + items.b;
+        corners[2] = first + items.c;
+    } else {
+        corners[0] = get_elements<Element>(block, items.a);
+        corners[1] = get_elements<Element>(block, items.b);
+        corners[2] = get_elements<Element>(block, items.c);
+        count = std::min({max_count, block.get_item_length(items.a), block.get_item_length(items.b),
+                          block.get_item_length(items.c)});
+    }
+    Element const* const s_start = corners[weights.triangle->s_start];
+    Element const* const t_start = corners[weights.triangle->t_start];
+    give(values, count, [&](unsigned int const& k) {
+        using Real = PropertyReal<Element>;
+        return get_property_output<Output>(weights.interpolate(
+            get_property_real<Real>(corners[0][k]), get_property_real<Real>(corners[1][k]),
+            get_property_real<Real>(corners[2][k])));
+    });
+    give(d_ds, count, [&](unsigned int const& k) {
+        return get_property_output<Output>(get_property_difference(corners[1][k], s_start[k]));
+    });
+    give(d_dt, count, [&](unsigned int const& k) {
+        return get_property_output<Output>(get_property_difference(corners[2][k], t_start[k]));
+    });
+    give_zeros(d_extra, count);
+    return count;
+}
+
+template <typename Element, typename Output>
+[[gnu::noinline]] unsigned int
+interpolate_many(PolyMeshProperty const& property, ResourceProperty const& block,
+                 GeometryFragment const& fragment, Output* values, Output* d_ds, Output* d_dt,
+                 Output* d_extra, unsigned int const& max_count) {
+    return interpolate_items<Element, Output, false>(property, block, fragment, values, d_ds, d_dt,
+                                                     d_extra, max_count);
 }
 
 template <typename Element, typename Output>
@@ -104,37 +133,13 @@ unsigned int interpolate(GeometryProperty const& property, CtxEval const&,
         return give_item<Element>(block, fragment.point_index, values, d_ds, d_dt, d_extra,
                                   max_count);
     }
-    PolyMeshTopology const& topology = poly_property.get_mesh().get_topology();
-    unsigned int const primitive = fragment.primitive_index;
-    if (primitive >= topology.primitive_infos.get_count()) {
-        return 0;
+    // Most properties are one number, for which loops and offsets cost more than the number does.
+    if (has_single_elements(block) && max_count != 0) {
+        return interpolate_items<Element, Output, true>(poly_property, block, fragment, values,
+                                                        d_ds, d_dt, d_extra, max_count);
     }
-    SurfaceWeights const weights =
-        compute_property_weights(is_quad(topology, primitive), fragment.s, fragment.t);
-    unsigned int items[3];
-    get_corner_items(poly_property, topology, primitive, *weights.triangle, items);
-    Element const* x[3];
-    unsigned int const count = get_item_elements(block, items, max_count, x);
-    if (count == 0) {
-        return 0;
-    }
-    Element const* const s_start = x[weights.triangle->s_start];
-    Element const* const t_start = x[weights.triangle->t_start];
-
-    using Real = PropertyReal<Element>;
-    give(values, count, [&](unsigned int const& k) {
-        Real const reals[3] = {get_property_real<Real>(x[0][k]), get_property_real<Real>(x[1][k]),
-                               get_property_real<Real>(x[2][k])};
-        return get_property_output<Output>(weights.interpolate(reals));
-    });
-    give(d_ds, count, [&](unsigned int const& k) {
-        return get_property_output<Output>(get_property_difference(x[1][k], s_start[k]));
-    });
-    give(d_dt, count, [&](unsigned int const& k) {
-        return get_property_output<Output>(get_property_difference(x[2][k], t_start[k]));
-    });
-    give_zeros(d_extra, count);
-    return count;
+    return interpolate_many<Element>(poly_property, block, fragment, values, d_ds, d_dt, d_extra,
+                                     max_count);
 }
 
 // Deliberate: the indices of the property are not used, the item is the polygon's own.

@@ -4,23 +4,13 @@
 
 namespace {
 
-// The fragment's weights, and the numbers of the map's values at the corners c0, c1, c2.
-SurfaceWeights fetch_map_place(PolyMeshTopology const& topology, GeometryFragment const& fragment,
-                               CoreIndexArray const& polygon_indices, unsigned int (&values)[3]) {
-    unsigned int const primitive = fragment.primitive_index;
-    SurfaceWeights const weights =
-        compute_sampling_weights(is_quad(topology, primitive), fragment.s, fragment.t);
-    unsigned int ids[3];
-    get_surface_corner_ids(topology, primitive, *weights.triangle, ids);
-    for (unsigned int k = 0; k < 3; ++k) {
-        values[k] = polygon_indices[ids[k]];
+// The channels of a corner's color, black and clear without one.
+VecLanes get_channels(PolyMeshColorMap const& map, unsigned int const& value) {
+    constexpr float channel_unit = 0.003921569f;  // 1/255
+    if (value >= map.values.get_count()) {
+        return VecLanes{};
     }
-    return weights;
-}
-
-GMathVec4<unsigned char> get_color(PolyMeshColorMap const& map, unsigned int const& value) {
-    return value < map.values.get_count() ? map.values[value]
-                                          : GMathVec4<unsigned char>(0, 0, 0, 0);
+    return make_lanes(map.values[value]) * channel_unit;
 }
 
 }  // namespace
@@ -29,14 +19,17 @@ void PolyMesh::compute_fragment_uvw(CtxEval const&, GeometryFragment const& frag
                                     unsigned int const& map, GMathVec3<double>& uvw,
                                     GMathVec3<double>& uvw_ds, GMathVec3<double>& uvw_dt) const {
     PolyMeshUvMap const& uv_map = m_topology->uv_maps[map];
-    unsigned int values[3];
+    PrimitivePlace const place = find_primitive(*m_topology, fragment.primitive_index);
     SurfaceWeights const weights =
-        fetch_map_place(*m_topology, fragment, *uv_map.polygon_indices, values);
-    GMathVec3<float> corners[3];
-    uv_map.values.get(values[0], values[1], values[2], corners[0], corners[1], corners[2]);
-    uvw = GMathVec3<double>(weights.interpolate(corners));
-    uvw_ds = GMathVec3<double>(weights.derive_by_s(corners));
-    uvw_dt = GMathVec3<double>(weights.derive_by_t(corners));
+        compute_sampling_weights(place.is_quad(), fragment.s, fragment.t);
+    IndexTriple const values = look_up(
+        *uv_map.polygon_indices, get_surface_corner_ids(*m_topology, place, *weights.triangle));
+    VecLanes const x0 = make_lanes(uv_map.values.get(values.a));
+    VecLanes const x1 = make_lanes(uv_map.values.get(values.b));
+    VecLanes const x2 = make_lanes(uv_map.values.get(values.c));
+    uvw = get_vec3<double>(weights.interpolate(x0, x1, x2));
+    uvw_ds = get_vec3<double>(weights.derive_by_s(x0, x1, x2));
+    uvw_dt = get_vec3<double>(weights.derive_by_t(x0, x1, x2));
 }
 
 void PolyMesh::compute_edge_uvw(CtxEval const&, unsigned int const& primitive,
@@ -57,19 +50,14 @@ void PolyMesh::compute_edge_uvw(CtxEval const&, unsigned int const& primitive,
 
 void PolyMesh::compute_fragment_color(CtxEval const&, GeometryFragment const& fragment,
                                       unsigned int const& map, GMathVec4<float>& color) const {
-    constexpr float channel_unit = 0.003921569f;  // 1/255
     PolyMeshColorMap const& color_map = m_topology->color_maps[map];
-    unsigned int values[3];
+    PrimitivePlace const place = find_primitive(*m_topology, fragment.primitive_index);
     SurfaceWeights const weights =
-        fetch_map_place(*m_topology, fragment, *color_map.polygon_indices, values);
-    float channels[4][3];
-    for (unsigned int k = 0; k < 3; ++k) {
-        GMathVec4<unsigned char> const corner = get_color(color_map, values[k]);
-        channels[0][k] = static_cast<float>(corner.x) * channel_unit;
-        channels[1][k] = static_cast<float>(corner.y) * channel_unit;
-        channels[2][k] = static_cast<float>(corner.z) * channel_unit;
-        channels[3][k] = static_cast<float>(corner.w) * channel_unit;
-    }
-    color = {weights.interpolate(channels[0]), weights.interpolate(channels[1]),
-             weights.interpolate(channels[2]), weights.interpolate(channels[3])};
+        compute_sampling_weights(place.is_quad(), fragment.s, fragment.t);
+    IndexTriple const values = look_up(
+        *color_map.polygon_indices, get_surface_corner_ids(*m_topology, place, *weights.triangle));
+    VecLanes const x =
+        weights.interpolate(get_channels(color_map, values.a), get_channels(color_map, values.b),
+                            get_channels(color_map, values.c));
+    color = {x[0], x[1], x[2], x[3]};
 }

@@ -6,20 +6,29 @@
 
 namespace {
 
-// The vertices' positions at a time at which the mesh is in motion.
-void fetch_moving_positions(CtxEval const& ctx, GeometryPointCloudData const& data,
-                            double const& time, unsigned int const (&vertices)[3],
-                            GMathVec3<float> (&positions)[3]) {
+// The positions of vertices: from an array, or a blend of arrays.
+template <typename Positions>
+void load_positions(Positions const& source, IndexTriple const& vertices,
+                    VecLanes (&positions)[3]) {
+    positions[0] = make_lanes(source[vertices.a]);
+    positions[1] = make_lanes(source[vertices.b]);
+    positions[2] = make_lanes(source[vertices.c]);
+}
+
+// The same at a time at which the mesh is in motion.
+void load_moving_positions(CtxEval const& ctx, GeometryPointCloudData const& data,
+                           double const& time, IndexTriple const& vertices,
+                           VecLanes (&positions)[3]) {
     GeometryPositionArray blend;
     compute_position_blend(data, time, get_shutter_sampling(ctx), blend);
-    fetch_positions(blend, vertices, 3, positions);
+    load_positions(blend, vertices, positions);
 }
 
 // `p` dropped onto the plane through `corner` at a right angle to `normal`.
-GMathVec3<float> project_on_tangent_plane(GMathVec3<float> const& p, GMathVec3<float> const& corner,
-                                          GMathVec3<float> const& normal) {
-    float const square = gmath_dot(normal, normal);
-    return square == 0.0f ? p : p + normal * (gmath_dot(normal, corner - p) / square);
+VecLanes project_on_tangent_plane(VecLanes const& p, VecLanes const& corner,
+                                  VecLanes const& normal) {
+    float const square = get_dot(normal, normal);
+    return square == 0.0f ? p : p + normal * (get_dot(normal, corner - p) / square);
 }
 
 }  // namespace
@@ -27,37 +36,38 @@ GMathVec3<float> project_on_tangent_plane(GMathVec3<float> const& p, GMathVec3<f
 SurfacePlace fetch_surface_place(CtxEval const& ctx, PolyMeshTopology const& topology,
                                  GeometryPointCloudData const& data,
                                  GeometryFragment const& fragment) {
-    unsigned int const primitive = fragment.primitive_index;
     SurfacePlace place;
-    place.weights = compute_sampling_weights(is_quad(topology, primitive), fragment.s, fragment.t);
-    get_surface_corner_ids(topology, primitive, *place.weights.triangle, place.corner_ids);
-    for (unsigned int k = 0; k < 3; ++k) {
-        place.vertices[k] = topology.polygon_vertex_indices[place.corner_ids[k]];
-    }
+    PrimitivePlace const primitive = find_primitive(topology, fragment.primitive_index);
+    place.weights = compute_sampling_weights(primitive.is_quad(), fragment.s, fragment.t);
+    place.corner_ids = get_surface_corner_ids(topology, primitive, *place.weights.triangle);
+    place.vertices = look_up(topology.polygon_vertex_indices, place.corner_ids);
     place.is_at_rest = std::fabs(fragment.time) <= time_epsilon || !data.is_moving();
     if (place.is_at_rest) {
-        fetch_positions(data.positions, place.vertices, 3, place.positions);
+        load_positions(data.positions, place.vertices, place.positions);
     } else {
-        fetch_moving_positions(ctx, data, fragment.time, place.vertices, place.positions);
+        load_moving_positions(ctx, data, fragment.time, place.vertices, place.positions);
     }
     return place;
 }
 
-void fill_surface_sample(SurfacePlace const& place, GMathVec3<float> const (&normals)[3],
+void fill_surface_sample(SurfacePlace const& place, VecLanes const (&normals)[3],
                          GeometrySample& sample) {
     SurfaceWeights const& weights = place.weights;
+    auto const& [x0, x1, x2] = place.positions;
+    auto const& [n0, n1, n2] = normals;
     constexpr GMathVec3<float> zero(0, 0, 0);
-    GMathVec3<float> const position = weights.interpolate(place.positions);
-    sample.init_surface(position, weights.derive_by_s(place.positions),
-                        weights.derive_by_t(place.positions), zero, zero);
+    VecLanes const position = weights.interpolate(x0, x1, x2);
+    sample.init_surface(get_vec3<float>(position), get_vec3<float>(weights.derive_by_s(x0, x1, x2)),
+                        get_vec3<float>(weights.derive_by_t(x0, x1, x2)), zero, zero);
 
-    GMathVec3<float> projections[3];
-    for (unsigned int k = 0; k < 3; ++k) {
-        projections[k] = project_on_tangent_plane(position, place.positions[k], normals[k]);
-    }
+    VecLanes const smooth_position = weights.interpolate(
+        project_on_tangent_plane(position, x0, n0), project_on_tangent_plane(position, x1, n1),
+        project_on_tangent_plane(position, x2, n2));
     // The normal stays unnormalised: between opposite ones, it is zero.
-    sample.set_smoothing(weights.interpolate(projections), weights.interpolate(normals),
-                         weights.derive_by_s(normals), weights.derive_by_t(normals));
+    sample.set_smoothing(get_vec3<float>(smooth_position),
+                         get_vec3<float>(weights.interpolate(n0, n1, n2)),
+                         get_vec3<float>(weights.derive_by_s(n0, n1, n2)),
+                         get_vec3<float>(weights.derive_by_t(n0, n1, n2)));
 }
 
 void add_surface_motion(CtxEval const& ctx, GeometryPointCloudData const& data,
@@ -68,9 +78,10 @@ void add_surface_motion(CtxEval const& ctx, GeometryPointCloudData const& data,
     }
     // A time that counted as zero adds nothing to the step.
     double const time = place.is_at_rest ? fragment.time_step : fragment.time + fragment.time_step;
-    GMathVec3<float> positions[3];
-    fetch_moving_positions(ctx, data, time, place.vertices, positions);
-    sample.set_geometric_position_dt(place.weights.interpolate(positions));
+    VecLanes positions[3];
+    load_moving_positions(ctx, data, time, place.vertices, positions);
+    sample.set_geometric_position_dt(
+        get_vec3<float>(place.weights.interpolate(positions[0], positions[1], positions[2])));
 }
 
 void compute_point_sample(CtxEval const& ctx, GeometryPointCloudData const& data,
@@ -85,7 +96,7 @@ void compute_point_sample(CtxEval const& ctx, GeometryPointCloudData const& data
     if (data.normals.is_empty()) {
         sample.init_point(position);
     } else {
-        sample.init_point(position, decode_normal(data.normals[point]), false);
+        sample.init_point(position, data.normals[point].decode(), false);
     }
     if (std::fabs(time_step) > time_epsilon && data.is_moving()) {
         fetch_vertex_position(data, point, time + time_step, get_shutter_sampling(ctx), position);
@@ -98,10 +109,10 @@ void PolyMesh::compute_fragment_sample(CtxEval const& ctx, GeometryFragment cons
     GeometryPointCloudData const& data = m_point_cloud.get_data();
     compute_mesh_sample(
         ctx, *m_topology, data, fragment,
-        [&](SurfacePlace const& place, GMathVec3<float>(&normals)[3]) {
-            for (unsigned int k = 0; k < 3; ++k) {
-                normals[k] = decode_normal(data.normals[place.vertices[k]]);
-            }
+        [&](SurfacePlace const& place, VecLanes(&normals)[3]) {
+            normals[0] = decode_normal(data.normals[place.vertices.a]);
+            normals[1] = decode_normal(data.normals[place.vertices.b]);
+            normals[2] = decode_normal(data.normals[place.vertices.c]);
         },
         sample);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <poly/render/surface_weights.h>
+#include <poly/render/vec_lanes.h>
 
 #include <platform/qz_ctx.h>
 #include <platform/qz_geometry.h>
@@ -11,10 +12,10 @@
 // A fragment's place on the triangle that holds it, and that triangle's corners c0, c1, c2.
 struct SurfacePlace {
     SurfaceWeights weights;
-    unsigned int corner_ids[3];
-    unsigned int vertices[3];
-    GMathVec3<float> positions[3];  // at the fragment's time
-    bool is_at_rest;                // these are the rest positions
+    IndexTriple corner_ids;
+    IndexTriple vertices;
+    bool is_at_rest;        // these are the rest positions
+    VecLanes positions[3];  // at the fragment's time
 };
 
 // The fragment's primitive index must be below the primitive count.
@@ -28,7 +29,7 @@ SurfacePlace fetch_surface_place(CtxEval const& ctx, PolyMeshTopology const& top
 //
 // T. Boubekeur, M. Alexa, "Phong tessellation", ACM Transactions on Graphics 27(5), 2008, with
 // shape factor 1.
-void fill_surface_sample(SurfacePlace const& place, GMathVec3<float> const (&normals)[3],
+void fill_surface_sample(SurfacePlace const& place, VecLanes const (&normals)[3],
                          GeometrySample& sample);
 
 // Tells `sample` where the place will be one time step after the fragment; nothing when the step is
@@ -41,11 +42,11 @@ void add_surface_motion(CtxEval const& ctx, GeometryPointCloudData const& data,
 void compute_point_sample(CtxEval const& ctx, GeometryPointCloudData const& data,
                           GeometryFragment const& fragment, GeometrySample& sample);
 
-// As stored: of unit length but for rounding, or zero. By table, which gives what
-// GMathShortNormal::decode computes without its divisions.
-inline GMathVec3<float> decode_normal(GMathShortNormal const& normal) {
-    GMathHalfFloatConverter::Table const& table = GMathHalfFloatConverter::s_conv_ntof;
-    return {table[normal.x], table[normal.y], table[normal.z]};
+// What GMathShortNormal::decode gives, to the bit: of unit length but for rounding, or zero.
+inline VecLanes decode_normal(GMathShortNormal const& normal) {
+    IntLanes const bits = {normal.x, normal.y, normal.z, 0};
+    VecLanes const magnitude = __builtin_convertvector(bits & 0x7FFF, VecLanes) / 32767.0f;
+    return (VecLanes)((IntLanes)magnitude | ((bits & 0x8000) << 16));
 }
 
 // The sample of a fragment, whatever it names: a primitive, else a point, else nothing.
@@ -56,7 +57,7 @@ void compute_mesh_sample(CtxEval const& ctx, PolyMeshTopology const& topology,
                          GetNormals const& get_normals, GeometrySample& sample) {
     if (fragment.primitive_index < topology.primitive_infos.get_count()) {
         SurfacePlace const place = fetch_surface_place(ctx, topology, data, fragment);
-        GMathVec3<float> normals[3];
+        VecLanes normals[3];
         get_normals(place, normals);
         fill_surface_sample(place, normals, sample);
         add_surface_motion(ctx, data, fragment, place, sample);

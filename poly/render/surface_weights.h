@@ -1,6 +1,7 @@
 #pragma once
 
 #include <poly/mesh/primitive_corners.h>
+#include <poly/render/vec_lanes.h>
 
 #include <platform/qz_geometry.h>
 #include <platform/qz_gmath.h>
@@ -22,8 +23,8 @@
 // One triangle of a primitive.
 struct SurfaceTriangle {
     unsigned int corners[3];  // c0, c1, c2, as numbers of the primitive's corners
-    unsigned int s_start;     // the derivative by s is x1 - x[s_start]
-    unsigned int t_start;     // the derivative by t is x2 - x[t_start]
+    unsigned int s_start;     // the derivative by s is x1 - x[s_start], which is 0 or 2
+    unsigned int t_start;     // the derivative by t is x2 - x[t_start], which is 0 or 1
 };
 
 // A triangle that is a primitive of its own; the first half of a quad; the second half.
@@ -46,23 +47,24 @@ void compute_surface_parameters(float const& u, float const& v, float& s, float&
     t = triangle == 2 ? u + v : v;
 }
 
-// A triangle, and the weights on it of its three corners.
+// A triangle, and the weights on it of its three corners. Not in an array, so that compilers keep
+// them in registers.
 struct SurfaceWeights {
     SurfaceTriangle const* triangle;
-    float w[3];
+    float w0;
+    float w1;
+    float w2;
 
-    // The value, and its derivatives, of what takes the values `x` at c0, c1, c2.
+    // The value, and its derivatives, of what takes the values x0, x1, x2 at c0, c1, c2.
     template <typename T>
-    T interpolate(T const (&x)[3]) const {
-        return (x[0] * w[0] + x[1] * w[1]) + x[2] * w[2];
+    T interpolate(T const& x0, T const& x1, T const& x2) const {
+        return (x0 * w0 + x1 * w1) + x2 * w2;
     }
-    template <typename T>
-    T derive_by_s(T const (&x)[3]) const {
-        return x[1] - x[triangle->s_start];
+    VecLanes derive_by_s(VecLanes const& x0, VecLanes const& x1, VecLanes const& x2) const {
+        return x1 - choose_lanes(triangle->s_start == 0, x0, x2);
     }
-    template <typename T>
-    T derive_by_t(T const (&x)[3]) const {
-        return x[2] - x[triangle->t_start];
+    VecLanes derive_by_t(VecLanes const& x0, VecLanes const& x1, VecLanes const& x2) const {
+        return x2 - choose_lanes(triangle->t_start == 0, x0, x1);
     }
 };
 
@@ -73,12 +75,16 @@ inline SurfaceWeights compute_sampling_weights(bool const& is_quad, double const
     float const narrow_s = static_cast<float>(s);
     float const narrow_t = static_cast<float>(t);
     if (!is_quad) {
-        return {&surface_triangles[0], {(1.0f - narrow_s) - narrow_t, narrow_s, narrow_t}};
+        return {&surface_triangles[0], (1.0f - narrow_s) - narrow_t, narrow_s, narrow_t};
     }
-    if (s <= t) {
-        return {&surface_triangles[2], {1.0f - narrow_t, narrow_s, static_cast<float>(t - s)}};
-    }
-    return {&surface_triangles[1], {1.0f - narrow_s, static_cast<float>(s - t), narrow_t}};
+    // {1 - s, s - t, t} on the first half, {1 - t, s, t - s} on the second. Looked up, because no
+    // processor can foresee which of them it will be.
+    unsigned int const second = s <= t ? 1 : 0;
+    double const wide[2] = {s, t};
+    float const rest = static_cast<float>(wide[second] - wide[1 - second]);
+    float const terms[3] = {narrow_s, rest, narrow_t};
+    return {&surface_triangles[1 + second], 1.0f - terms[2 * second], terms[1 - second],
+            terms[2 - second]};
 }
 
 // The weights that properties are evaluated with. Deliberate: on a quad, w0 is rounded otherwise
@@ -86,12 +92,15 @@ inline SurfaceWeights compute_sampling_weights(bool const& is_quad, double const
 inline SurfaceWeights compute_property_weights(bool const& is_quad, double const& s,
                                                double const& t) {
     SurfaceWeights weights = compute_sampling_weights(is_quad, s, t);
-    weights.w[0] = (1.0f - weights.w[1]) - weights.w[2];
+    weights.w0 = (1.0f - weights.w1) - weights.w2;
     return weights;
 }
 
-// Writes the corner ids of c0, c1, c2.
-inline void get_surface_corner_ids(PolyMeshTopology const& topology, unsigned int const& primitive,
-                                   SurfaceTriangle const& triangle, unsigned int (&ids)[3]) {
-    get_primitive_corner_ids(topology, primitive, triangle.corners, ids);
+// The corner ids of c0, c1, c2.
+inline IndexTriple get_surface_corner_ids(PolyMeshTopology const& topology,
+                                          PrimitivePlace const& place,
+                                          SurfaceTriangle const& triangle) {
+    IndexTriple const ids = {place.offset + triangle.corners[0], place.offset + triangle.corners[1],
+                             place.offset + triangle.corners[2]};
+    return place.is_direct() ? ids : look_up(topology.triangle_indices, ids);
 }

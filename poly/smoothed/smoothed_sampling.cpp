@@ -13,21 +13,25 @@ PolyMeshSmoothed::get_polygon_vertex_normal(unsigned int const& corner,
     if (index == CoreIndexArray::absent) {
         return face_normal;
     }
-    return decode_normal(index >= data.point_count
-                             ? m_current_normal_map->normals[index - data.point_count]
-                             : data.normals[index]);
+    return (index >= data.point_count ? m_current_normal_map->normals[index - data.point_count]
+                                      : data.normals[index])
+        .decode();
 }
 
 void PolyMeshSmoothed::compute_fragment_sample(CtxEval const& ctx, GeometryFragment const& fragment,
                                                GeometrySample& sample) const {
     compute_mesh_sample(
         ctx, m_mesh->get_topology(), m_mesh->get_point_cloud()->get_data(), fragment,
-        [this](SurfacePlace const& place, GMathVec3<float>(&normals)[3]) {
-            GMathVec3<float> const face_normal =
-                compute_flat_normal(place.positions[0], place.positions[1], place.positions[2]);
-            for (unsigned int k = 0; k < 3; ++k) {
-                normals[k] = get_polygon_vertex_normal(place.corner_ids[k], face_normal);
-            }
+        [this](SurfacePlace const& place, VecLanes(&normals)[3]) {
+            GMathVec3<float> const face_normal = compute_flat_normal(
+                get_vec3<float>(place.positions[0]), get_vec3<float>(place.positions[1]),
+                get_vec3<float>(place.positions[2]));
+            auto const load_normal = [&](unsigned int const& corner) {
+                return make_lanes(get_polygon_vertex_normal(corner, face_normal));
+            };
+            normals[0] = load_normal(place.corner_ids.a);
+            normals[1] = load_normal(place.corner_ids.b);
+            normals[2] = load_normal(place.corner_ids.c);
         },
         sample);
 }

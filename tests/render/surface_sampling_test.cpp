@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstring>
+#include <random>
+
 namespace {
 
 using Vec = GMathVec3<float>;
@@ -27,8 +31,8 @@ TEST(SurfaceWeights, SplitAndRound) {
         SCOPED_TRACE(testing::Message() << c.is_quad << ' ' << c.s << ' ' << c.t);
         SurfaceWeights const weights = compute_sampling_weights(c.is_quad, c.s, c.t);
         EXPECT_EQ(weights.triangle - surface_triangles, c.triangle);
-        EXPECT_EQ(Vec(weights.w[0], weights.w[1], weights.w[2]), c.weights);
-        EXPECT_EQ(compute_property_weights(c.is_quad, c.s, c.t).w[0], c.property_w0);
+        EXPECT_EQ(Vec(weights.w0, weights.w1, weights.w2), c.weights);
+        EXPECT_EQ(compute_property_weights(c.is_quad, c.s, c.t).w0, c.property_w0);
     }
 }
 
@@ -61,8 +65,8 @@ TEST(SurfaceSampling, MeetsCornersAndTheFold) {
 TEST(SurfaceSampling, CurvesBetweenTangentPlanes) {
     SurfacePlace place{};
     place.weights = compute_sampling_weights(false, 0.5, 0);
-    place.positions[1] = {1, 0, 0};
-    place.positions[2] = {0, 1, 0};
+    place.positions[1] = VecLanes{1, 0, 0};
+    place.positions[2] = VecLanes{0, 1, 0};
     struct Case {
         Vec normals[3];
         Vec position, normal;
@@ -73,7 +77,9 @@ TEST(SurfaceSampling, CurvesBetweenTangentPlanes) {
              {{{0, 0, 0}, {1, 0, 1}, {0, 0, 1}}, {0.625f, 0, 0.125f}, {0.5f, 0, 0.5f}},
          }) {
         GeometrySample sample;
-        fill_surface_sample(place, c.normals, sample);
+        VecLanes const normals[3] = {make_lanes(c.normals[0]), make_lanes(c.normals[1]),
+                                     make_lanes(c.normals[2])};
+        fill_surface_sample(place, normals, sample);
         EXPECT_EQ(sample.get_smooth_position(), c.position);
         EXPECT_EQ(sample.get_normal(), c.normal);
         EXPECT_EQ(sample.get_normal_ds(), c.normals[1] - c.normals[0]);
@@ -154,6 +160,143 @@ TEST(MapSampling, MeetsTheValuesOfCorners) {
             EXPECT_EQ(uvw.x, next * 0.1 + double(value * 0.9f));
         }
     }
+}
+
+// Random triangles, random quads, and polygons of all kinds, with the maps of a soup.
+Shape make_random_shape(unsigned int const& seed) {
+    Shape shape = make_soup(seed);
+    if (unsigned int const size = seed % 3 + 2; size != 2) {
+        std::mt19937 random(seed);
+        shape.vertex_count.assign(20, size);
+        shape.vertex_indices.resize(20 * size);
+        for (unsigned int& vertex : shape.vertex_indices) {
+            vertex = static_cast<unsigned int>(random() % 12);
+        }
+        shape.check_quads = false;
+        shape.uv_maps[0].indices.copy_from(view(shape.vertex_indices));
+        shape.color_maps[0].indices.copy_from(view(shape.vertex_indices));
+        shape.normal_maps.clear();
+    }
+    for (unsigned int i = 0; i < shape.color_maps[0].values.get_count(); ++i) {
+        shape.color_maps[0].values[i].y = static_cast<unsigned char>(i * 23);
+    }
+    return shape;
+}
+
+// Where a fragment lies, in the words of the definition.
+struct PlainPlace {
+    unsigned int ids[3];
+    float w[3];
+    unsigned int s_start = 0, t_start = 0;
+
+    PlainPlace(PolyMeshTopology const& topology, unsigned int const& primitive, double const& s,
+               double const& t) {
+        unsigned int const info = topology.primitive_infos[primitive];
+        bool const is_quad = (info & PolyMeshPrimitiveInfo::quad_bit) != 0;
+        bool const is_second = is_quad && !(s > t);
+        float const a = float(s), b = float(t);
+        w[0] = is_second ? 1.0f - b : is_quad ? 1.0f - a : (1.0f - a) - b;
+        w[1] = is_quad && !is_second ? float(s - t) : a;
+        w[2] = is_second ? float(t - s) : b;
+        s_start = is_second ? 2 : 0;
+        t_start = is_quad && !is_second ? 1 : 0;
+        for (unsigned int k = 0; k < 3; ++k) {
+            unsigned int const id =
+                topology.primitive_index_offsets[primitive] + (is_second && k != 0 ? k + 1 : k);
+            ids[k] = (info & PolyMeshPrimitiveInfo::direct_bit) != 0
+                         ? id
+                         : topology.triangle_indices[id];
+        }
+    }
+    // The value, and its derivatives by s and by t.
+    template <typename T>
+    std::array<T, 3> interpolate(T const (&x)[3]) const {
+        return {(x[0] * w[0] + x[1] * w[1]) + x[2] * w[2], x[1] - x[s_start], x[2] - x[t_start]};
+    }
+};
+
+template <typename T>
+bool have_same_bits(T const& a, T const& b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+void check_sample(PolyMesh const& mesh, GeometryFragment const& fragment, PlainPlace const& place) {
+    PolyMeshTopology const& topology = mesh.get_topology();
+    GeometryPointCloudData const& data = mesh.get_point_cloud()->get_data();
+    Vec x[3], n[3], dropped[3];
+    for (unsigned int k = 0; k < 3; ++k) {
+        x[k] = data.positions[topology.polygon_vertex_indices[place.ids[k]]];
+        n[k] = data.normals[topology.polygon_vertex_indices[place.ids[k]]].decode();
+    }
+    auto const [position, ds, dt] = place.interpolate(x);
+    auto const [normal, normal_ds, normal_dt] = place.interpolate(n);
+    for (unsigned int k = 0; k < 3; ++k) {
+        float const square = gmath_dot(n[k], n[k]);
+        dropped[k] = square == 0.0f ? position
+                                    : position + n[k] * (gmath_dot(n[k], x[k] - position) / square);
+    }
+    GeometrySample sample;
+    mesh.compute_fragment_sample(CtxEval(), fragment, sample);
+    EXPECT_TRUE(have_same_bits(sample.get_position(), position));
+    EXPECT_TRUE(have_same_bits(sample.get_position_ds(), ds));
+    EXPECT_TRUE(have_same_bits(sample.get_position_dt(), dt));
+    EXPECT_TRUE(have_same_bits(sample.get_smooth_position(), place.interpolate(dropped)[0]));
+    EXPECT_TRUE(have_same_bits(sample.get_normal(), normal));
+    EXPECT_TRUE(have_same_bits(sample.get_normal_ds(), normal_ds));
+    EXPECT_TRUE(have_same_bits(sample.get_normal_dt(), normal_dt));
+}
+
+void check_maps(PolyMesh const& mesh, GeometryFragment const& fragment, PlainPlace const& place) {
+    PolyMeshUvMap const& uv_map = mesh.get_topology().uv_maps[0];
+    PolyMeshColorMap const& color_map = mesh.get_topology().color_maps[0];
+    Vec uvs[3];
+    float channels[4][3] = {};
+    for (unsigned int k = 0; k < 3; ++k) {
+        uvs[k] = uv_map.values.get((*uv_map.polygon_indices)[place.ids[k]]);
+        unsigned int const value = (*color_map.polygon_indices)[place.ids[k]];
+        if (value < color_map.values.get_count()) {
+            GMathVec4<unsigned char> const& color = color_map.values[value];
+            unsigned char const bytes[4] = {color.x, color.y, color.z, color.w};
+            for (unsigned int c = 0; c < 4; ++c) {
+                channels[c][k] = float(bytes[c]) * 0.003921569f;
+            }
+        }
+    }
+    std::array<GMathVec3<double>, 3> uvw;
+    mesh.compute_fragment_uvw(CtxEval(), fragment, 0, uvw[0], uvw[1], uvw[2]);
+    std::array<Vec, 3> const expected = place.interpolate(uvs);
+    for (unsigned int k = 0; k < 3; ++k) {
+        EXPECT_TRUE(have_same_bits(uvw[k], GMathVec3<double>(expected[k])));
+    }
+    GMathVec4<float> color;
+    mesh.compute_fragment_color(CtxEval(), fragment, 0, color);
+    auto const get_channel = [&](unsigned int c) { return place.interpolate(channels[c])[0]; };
+    EXPECT_TRUE(have_same_bits(
+        color, GMathVec4<float>(get_channel(0), get_channel(1), get_channel(2), get_channel(3))));
+}
+
+TEST(SurfaceSampling, GivesWhatTheDefinitionSays) {
+    unsigned int uniform_count = 0;
+    for (unsigned int seed = 0; seed < 12; ++seed) {
+        SCOPED_TRACE(seed);
+        PolyMesh mesh;
+        make_random_shape(seed).set(mesh);
+        uniform_count += mesh.get_topology().uniform_corner_count != 0;
+        std::mt19937 random(seed);
+        for (unsigned int i = 0; i < 300; ++i) {
+            auto const get_number = [&] {
+                return i % 5 == 0 ? double(random() % 5) / 4.0 : double(random()) * 0x1p-32;
+            };
+            GeometryFragment fragment{.s = get_number(), .t = get_number()};
+            fragment.primitive_index =
+                static_cast<unsigned int>(random() % mesh.get_primitive_count());
+            PlainPlace const place(mesh.get_topology(), fragment.primitive_index, fragment.s,
+                                   fragment.t);
+            check_sample(mesh, fragment, place);
+            check_maps(mesh, fragment, place);
+        }
+    }
+    EXPECT_EQ(uniform_count, 8u);
 }
 
 }  // namespace
