@@ -2,7 +2,7 @@
 #include <fuzz/query_property.h>
 #include <fuzz/target.h>
 #include <tests/shapes.h>
-#include <tools/qzpoly/property_file.h>
+#include <tools/qzpoly/models/property_file.h>
 
 #include <cstdio>
 #include <vector>

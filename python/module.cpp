@@ -2,7 +2,7 @@
 #include <python/messages.h>
 #include <python/queries.h>
 
-#include <tools/qzpoly/mesh_dump.h>
+#include <tools/qzpoly/models/mesh_dump.h>
 
 #include <pybind11/stl.h>
 

@@ -1,5 +1,5 @@
-#include <tools/qzpoly/mesh_faults.h>
-#include <tools/qzpoly/radix_order.h>
+#include <tools/qzpoly/check/mesh_faults.h>
+#include <tools/qzpoly/check/radix_order.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include <tests/tools/run_tool.h>
 
-#include <tools/qzpoly/obj_statements.h>
-#include <tools/qzpoly/palette.h>
-#include <tools/qzpoly/picture_text.h>
-#include <tools/qzpoly/texture.h>
+#include <tools/qzpoly/models/obj_statements.h>
+#include <tools/qzpoly/pictures/palette.h>
+#include <tools/qzpoly/pictures/picture_text.h>
+#include <tools/qzpoly/pictures/texture.h>
 
 #include <cmath>
 #include <random>

@@ -4,7 +4,7 @@
 #include <tests/platform/obj_refusals.h>
 #include <tests/tools/run_tool.h>
 
-#include <tools/qzpoly/mesh_dump.h>
+#include <tools/qzpoly/models/mesh_dump.h>
 
 #include <atomic>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tools/qzpoly/program.h>
+#include <tools/qzpoly/commands/program.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include <tools/qzpoly/program.h>
-#include <tools/qzpoly/terminal.h>
+#include <tools/qzpoly/commands/program.h>
+#include <tools/qzpoly/terminal/terminal.h>
 
 int main(int argument_count, char** arguments) {
     catch_interrupts();

@@ -1,9 +1,0 @@
-#pragma once
-
-#include <tools/qzpoly/camera.h>
-#include <tools/qzpoly/mesh_faults.h>
-
-// Draws a mesh in grey with its faults coloured in, and tells their colors. False after the reason
-// has been shown.
-bool draw_faults(PolyMesh const& mesh, ToolFaults const& faults, ToolCameraOptions const& camera,
-                 ToolMessages& messages, ToolImage& image);
