@@ -24,6 +24,14 @@ function(qz_set_target_rules target)
     endif()
 endfunction()
 
+# Which branches this target takes guides no search of the fuzzers.
+function(qz_guide_no_fuzzer target)
+    if(QZ_POLY_SANITIZERS MATCHES fuzzer)
+        target_compile_options(${target} PRIVATE
+            -fno-sanitize-coverage=inline-8bit-counters,trace-cmp,indirect-calls,pc-table)
+    endif()
+endfunction()
+
 # The rules above and those of a library: versioned, and complete in what it links.
 function(qz_set_library_rules target)
     qz_set_target_rules(${target})

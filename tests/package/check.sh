@@ -55,12 +55,13 @@ for build in "$shared" "$static"; do
     mv "$folder/first place" "$folder/${build##*/}"
     check_paths "$folder/${build##*/}"
     check_tree "$folder/${build##*/}"
-    quietly test -s "$folder/${build##*/}/share/man/man1/qzpoly.1"
-    quietly bash -c 'source "$1" && complete -p qzpoly' bash \
-        "$folder/${build##*/}/share/bash-completion/completions/qzpoly"
 done
-# Its libraries and its model are found beside it.
-quietly env -i "$folder/${shared##*/}/bin/qzpoly" render --size 16 16 -o "$folder/picture.png"
+# The program finds its libraries and its model beside it, and brings its page and completion.
+tree=$folder/${shared##*/}
+quietly env -i "$tree/bin/qzpoly" render --size 16 16 -o "$folder/picture.png"
+quietly test -s "$tree/share/man/man1/qzpoly.1"
+quietly bash -c 'source "$1" && complete -p qzpoly' bash \
+    "$tree/share/bash-completion/completions/qzpoly"
 
 in_bare apt-get update
 quietly cp "$package" "$bare/tmp/qz.deb"
