@@ -3,7 +3,8 @@
 
 Each file is the densest of its kind: all of it is the one thing that grows most. The program loads
 it and builds the mesh; the figures are its peak memory above that of loading next to nothing, over
-the size of the file, and its processor time.
+the size of the file, and its processor time. It fails when memory is above the bound that stands for
+its kind, or when the program ends otherwise than with success or a refusal.
 
 With --grid it measures what a whole import costs: an OBJ file of a grid of quads, against the arrays
 that reading and building it must end with.
@@ -119,6 +120,10 @@ def make_block_empty_polygons(size):
     return make_block(BLOCK_POINTS, (0, b""), (size // 4, bytes(size // 4 * 4)))
 
 
+# Bytes a byte, and besides: room for lists of corners, and what large pages and the heap round up.
+BOUNDS = {"obj": (40, 4 << 20), "lwo": (26, 68 << 20), "block": (20, 4 << 20)}
+GRID_BOUND = 1.1  # over the arrays
+
 FILES = [
     ("obj", "points", lambda size: repeat(b"", b"v 0 0 0\n", size)),
     ("obj", "triangles", lambda size: repeat(POINTS, b"f 1 2 3\n", size)),
@@ -178,7 +183,9 @@ def measure_grid(program, path, base, size):
     status, peak, seconds = measure(program, path)
     peak -= base
     print(f"file {os.path.getsize(path)} bytes, {seconds:.1f} s, status {status}")
-    print(f"arrays of reading {read} and of the mesh {built}, peak {peak}: {peak / (read + built):.3f}")
+    ratio = peak / (read + built)
+    print(f"arrays of reading {read} and of the mesh {built}, peak {peak}: {ratio:.3f}")
+    return 0 if status == 0 and ratio <= GRID_BOUND else "above the bound"
 
 
 def write(path, make, size):
@@ -212,8 +219,7 @@ def main():
             file.write(POINTS + b"f 1 2 3\n")
         base = measure(program, path)[1]
         if is_grid:
-            measure_grid(program, path, base, size)
-            return 0
+            return measure_grid(program, path, base, size)
         print(f"{'of':5} {'all':20} {'bytes a byte':>13} {'ns a byte':>10} {'status':>7}")
         for kind, name, make in FILES:
             length = write(path, make, size)
@@ -223,6 +229,9 @@ def main():
             worst[kind] = tuple(map(max, worst[kind], figures))
             if status not in (0, 1):
                 return f"{kind}, {name}: ended with {status}"
+            factor, fixed = BOUNDS[kind]
+            if peak - base > factor * length + fixed:
+                return f"{kind}, {name}: more than {factor} bytes a byte and {fixed >> 20} MB"
     for kind, (memory, nanoseconds) in worst.items():
         print(f"{kind}: at most {memory:.1f} bytes and {nanoseconds:.0f} ns for a byte")
     return 0
