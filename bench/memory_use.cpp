@@ -25,7 +25,7 @@ long long measure_in_child(std::function<std::shared_ptr<void>()> const& build) 
     }
     pid_t const child = fork();
     if (child == 0) {
-        mallopt(M_MMAP_THRESHOLD, 1 << 17);  // as set, so that it does not rise with use
+        mallopt(M_MMAP_THRESHOLD, 1 << 14);  // what is freed goes back, of small models too
         build();                             // what is made on first use is no part of it
         long long const before = get_resident_size();
         std::shared_ptr<void> kept = build();
