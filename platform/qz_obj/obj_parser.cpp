@@ -174,6 +174,8 @@ void ObjParser::dispatch(std::string_view const& keyword) {
         m_builder.creases.begin_edge();
     } else if (keyword == "g" || keyword == "o" || keyword == "mtllib") {
         m_mode = TEXT;  // of names and paths, where a backslash continues nothing
+    } else if (keyword.find('#') != std::string_view::npos) {
+        m_mode = TEXT;  // a comment, as for a longer keyword that is not read as a word
     } else {
         m_mode = STATEMENT;
     }

@@ -39,6 +39,7 @@ TEST(ObjText, LinesAndBytes) {
         {"vx 1\nv 1 2 3\ncurv 0 1 \\\n f 1 2 3\nvp 1 # \\\nl 1 2\np 1\nV 1\ncsh ls\ncall x.obj\n",
          "v 1 2 3"},
         {"unknown_long_keyword_that_crosses_blocks\\\nv 9 9 9\nv 1 2 3\ns off\n", "v 1 2 3"},
+        {"keyword.#with \\\nv 1 2 3\n", "v 1 2 3"},
     };
     for (Case const& row : rows) {
         check(row);
