@@ -60,11 +60,8 @@ void CoreIndexArray::swap(CoreIndexArray& other) noexcept {
 
 void CoreIndexArray::get_indices(unsigned int const& first, unsigned int const& count,
                                  unsigned int* out) const {
-    unsigned int const begin = first;
-    unsigned int const n = count;
-    for (unsigned int i = 0; i < n; ++i) {
-        out[i] = (*this)[begin + i];
-    }
+    assert(count <= m_count && first <= m_count - count);
+    CoreIndexReader(*this).read(first, count, out);
 }
 
 void CoreIndexArray::get_array(CoreArray<unsigned int>& out) const {

@@ -104,13 +104,36 @@ class CoreIndexReader {
         : m_data(array.m_data), m_bit_count(array.m_bit_count), m_mask(array.m_mask) {}
 
     unsigned int operator[](unsigned int const& index) const {
-        unsigned long long const bit = index * m_bit_count;
-        unsigned long long word;
-        std::memcpy(&word, m_data + (bit >> 3), sizeof word);
-        return static_cast<unsigned int>((word >> (bit & 7)) & m_mask) - 1u;
+        return static_cast<unsigned int>(get_word(index * m_bit_count) & m_mask) - 1u;
+    }
+    // Unpacks `count` entries from `first` on into `out`: two at a time where a word holds them.
+    void read(unsigned int const& first, unsigned int const& count, unsigned int* out) const {
+        unsigned long long bit = first * m_bit_count;
+        unsigned int* const end = out + count;
+        unsigned int const pair_count = 2 * m_bit_count + 7 <= 64 ? count / 2 : 0;
+        for (unsigned int i = 0; i < pair_count; ++i, out += 2, bit += 2 * m_bit_count) {
+            unsigned long long const word = get_word(bit);
+            out[0] = static_cast<unsigned int>(word & m_mask) - 1u;
+            out[1] = static_cast<unsigned int>((word >> m_bit_count) & m_mask) - 1u;
+        }
+        for (; out != end; ++out, bit += m_bit_count) {
+            *out = static_cast<unsigned int>(get_word(bit) & m_mask) - 1u;
+        }
+    }
+    // Whether the eight entries from `first` on are those before them. `first` must be a multiple
+    // of eight, and not 0: such entries fill whole bytes.
+    bool is_eight_repeated(unsigned int const& first) const {
+        unsigned char const* const eight = m_data + first / 8 * m_bit_count;
+        return std::memcmp(eight - m_bit_count, eight, m_bit_count) == 0;
     }
 
   private:
+    unsigned long long get_word(unsigned long long const& bit) const {
+        unsigned long long word;
+        std::memcpy(&word, m_data + (bit >> 3), sizeof word);
+        return word >> (bit & 7);
+    }
+
     unsigned char const* m_data;
     unsigned long long m_bit_count;
     unsigned int m_mask;

@@ -22,6 +22,12 @@ class GMathFloatLanes {
     explicit GMathFloatLanes(float const& value) : m_lanes(_mm_set1_ps(value)) {}
     GMathFloatLanes(float const& a, float const& b, float const& c, float const& d)
         : m_lanes(_mm_setr_ps(a, b, c, d)) {}
+    // Three floats, and +0.
+    static GMathFloatLanes load_three(float const* values) {
+        double pair;
+        std::memcpy(&pair, values, sizeof pair);
+        return _mm_movelh_ps(_mm_castpd_ps(_mm_set_sd(pair)), _mm_load_ss(values + 2));
+    }
     void store(float* values) const { _mm_storeu_ps(values, m_lanes); }
     __m128 const& get_lanes() const { return m_lanes; }
 
@@ -122,6 +128,9 @@ class GMathFloatLanes {
     explicit GMathFloatLanes(float const& value) : m_lanes{value, value, value, value} {}
     GMathFloatLanes(float const& a, float const& b, float const& c, float const& d)
         : m_lanes{a, b, c, d} {}
+    static GMathFloatLanes load_three(float const* values) {
+        return {values[0], values[1], values[2], 0.0f};
+    }
     void store(float* values) const {
         for (unsigned int k = 0; k < 4; ++k) {
             values[k] = m_lanes[k];

@@ -22,19 +22,18 @@ void PolyMesh::build_support_info(AppProgressBar* progress) {
 
     unsigned int const primitive_count = get_primitive_count();
     set_step_count(progress, primitive_count);
-    PrimitiveReader const reader(*m_topology);
     unsigned int* const carriers = primitives.get_data();
     GMathVec2<float>* const places = uvs.get_data();
-    for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
-        unsigned int vertices[4];
-        unsigned int const count = reader.get_vertices(primitive, vertices);
-        unsigned int const first_place = count == 4 ? 0 : triangle_place;
-        for (unsigned int k = 0; k < count; ++k) {
-            carriers[vertices[k]] = primitive;
-            places[vertices[k]].x = static_cast<float>(first_place + k);
-        }
-        step(progress, primitive + 1);
-    }
+    PrimitiveReader(*m_topology)
+        .visit_all(primitive_count, [&](unsigned int const& primitive, unsigned int const* vertices,
+                                        unsigned int const& count) {
+            unsigned int const first_place = count == 4 ? 0 : triangle_place;
+            for (unsigned int k = 0; k < count; ++k) {
+                carriers[vertices[k]] = primitive;
+                places[vertices[k]].x = static_cast<float>(first_place + k);
+            }
+            step(progress, primitive + 1);
+        });
     for (GMathVec2<float>& uv : uvs) {
         uv = places_on_primitive[static_cast<unsigned int>(uv.x)];
     }

@@ -71,7 +71,7 @@ class BoxLanes {
         return true;
     }
 
-    static Lanes load(GMathVec3<float> const& p) { return {p.x, p.y, p.z, 0.0f}; }
+    static Lanes load(GMathVec3<float> const& p) { return Lanes::load_three(&p.x); }
 
     Lanes m_low;
     Lanes m_high;

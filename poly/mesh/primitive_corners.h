@@ -2,6 +2,8 @@
 
 #include <poly/mesh/poly_mesh_records.h>
 
+#include <cstring>
+
 // The one way from a primitive to its corners.
 
 // Where a primitive's corner ids are: from `offset` on, themselves if it is direct, else in
@@ -117,7 +119,49 @@ class PrimitiveReader {
     }
     unsigned int get_vertex(unsigned int const& corner_id) const { return m_vertices[corner_id]; }
 
+    // Calls visit(primitive, vertices, count) for each of the first `primitive_count`, in order.
+    template <typename Visit>
+    void visit_all(unsigned int const& primitive_count, Visit const& visit) const {
+        unsigned int primitive = 0;
+        while (primitive < primitive_count) {
+            unsigned int run[4 * run_length];
+            unsigned int const size =
+                primitive_count - primitive >= run_length ? get_run(primitive, run) : 0;
+            if (size == 0) {
+                unsigned int vertices[4];
+                unsigned int const count = get_vertices(primitive, vertices);
+                visit(primitive++, vertices, count);
+            }
+            for (unsigned int k = 0; k < run_length * size; k += size) {
+                visit(primitive++, run + k, size);
+            }
+        }
+    }
+
   private:
+    static constexpr unsigned int run_length = 8;
+
+    // The vertices of a run of primitives from `first` on, if these are whole polygons of as many
+    // corners, one after the other, as most are: how many corners each has. Else 0.
+    unsigned int get_run(unsigned int const& first,
+                         unsigned int (&vertices)[4 * run_length]) const {
+        constexpr unsigned long long in_all = 0x0101010101010101ull;  // bytes of a word
+        constexpr unsigned int kind = PolyMeshPrimitiveInfo::quad_bit;
+        constexpr unsigned int direct = PolyMeshPrimitiveInfo::direct_bit;
+        unsigned long long infos;
+        static_assert(sizeof infos == run_length);
+        std::memcpy(&infos, m_infos + first, sizeof infos);
+        unsigned long long const kinds = infos & in_all * (kind | direct);
+        unsigned int const size = 3 + static_cast<unsigned int>(infos & kind);
+        unsigned int const offset = m_offsets[first];
+        if (kinds != in_all * (direct + size - 3) ||
+            m_offsets[first + run_length - 1] != offset + (run_length - 1) * size) {
+            return 0;
+        }
+        m_vertices.read(offset, run_length * size, vertices);
+        return size;
+    }
+
     unsigned char const* m_infos;
     CoreIndexReader m_offsets;
     CoreIndexReader m_triangle_indices;

@@ -4,6 +4,7 @@
 #include <poly/mesh/progress_task.h>
 #include <poly/mesh/triangle_normals.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -43,7 +44,7 @@ class NormalSummer {
     }
 
   private:
-    void sum_up() {
+    [[gnu::noinline]] void sum_up() {
         TriangleNormals normals;
         m_compute(m_positions, m_corners, normals);
         unsigned int const count = m_count;
@@ -88,6 +89,50 @@ class NormalSummer {
     Lanes m_group_sum{0.0f};
 };
 
+// The sums of the groups of primitives, to be asked for in order. Eight are looked up at once: in
+// most meshes they all have the group of those before, and need not be told apart.
+class GroupSums {
+  public:
+    GroupSums(PolyMeshTopology const& topology, PolyMeshGeometry& geometry)
+        : m_groups(topology.primitive_shading_groups),
+          m_primitive_count(topology.primitive_infos.get_count()),
+          m_sums(geometry.shading_group_normals) {}
+
+    // Null for a group that there is not.
+    PolyMeshNormalSum* get_next(unsigned int const& primitive) {
+        if (primitive % run_length == 0) {
+            read_run(primitive);
+        }
+        unsigned int const group = m_run[primitive % run_length];
+        if (!m_is_repeated && group != m_index) {
+            m_index = group;
+            m_sum = m_index < m_sums.get_count() ? &m_sums[m_index] : nullptr;
+        }
+        return m_sum;
+    }
+
+  private:
+    static constexpr unsigned int run_length = 8;  // as many groups as fill whole bytes
+
+    void read_run(unsigned int const& first) {
+        unsigned int const count = std::min(run_length, m_primitive_count - first);
+        m_is_repeated = m_has_one_group && count == run_length && m_groups.is_eight_repeated(first);
+        if (!m_is_repeated) {
+            m_groups.read(first, count, m_run);
+            m_has_one_group = std::count(m_run, m_run + count, m_run[0]) == run_length;
+        }
+    }
+
+    CoreIndexReader m_groups;
+    unsigned int m_primitive_count;
+    CoreArray<PolyMeshNormalSum>& m_sums;
+    PolyMeshNormalSum* m_sum = nullptr;
+    unsigned int m_index = CoreIndexArray::absent;
+    unsigned int m_run[run_length];
+    bool m_has_one_group = false;
+    bool m_is_repeated = false;
+};
+
 static_assert(sizeof(PolyMeshNormalSum) == 4 * sizeof(float), "one group's sums fill four lanes");
 
 // How far the summed length is from that of a flat surface, towards the sum of the components.
@@ -124,27 +169,19 @@ void compute_vertex_normals(PolyMeshTopology const& topology,
     normals.fill(Vec3(0, 0, 0));
     geometry.shading_group_normals.fill(PolyMeshNormalSum());
     unsigned int const primitive_count = topology.primitive_infos.get_count();
-    unsigned int const group_count = geometry.shading_group_normals.get_count();
     NormalSummer summer(positions.get_data(), normals.get_data());
-    PrimitiveReader const reader(topology);
-    CoreIndexReader const groups(topology.primitive_shading_groups);
-    PolyMeshNormalSum* const group_sums = geometry.shading_group_normals.get_data();
+    GroupSums groups(topology, geometry);
     set_step_count(progress, primitive_count);
-    unsigned int group_index = CoreIndexArray::absent;
-    PolyMeshNormalSum* group = nullptr;
-    for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
-        if (groups[primitive] != group_index) {
-            group_index = groups[primitive];
-            group = group_index < group_count ? group_sums + group_index : nullptr;
-        }
-        unsigned int v[4];
-        unsigned int const count = reader.get_vertices(primitive, v);
-        summer.add(v[0], v[1], v[2], group);
-        if (count == 4) {
-            summer.add(v[0], v[2], v[3], group);
-        }
-        step(progress, primitive + 1);
-    }
+    PrimitiveReader(topology).visit_all(
+        primitive_count,
+        [&](unsigned int const& primitive, unsigned int const* v, unsigned int const& count) {
+            PolyMeshNormalSum* const group = groups.get_next(primitive);
+            summer.add(v[0], v[1], v[2], group);
+            if (count == 4) {
+                summer.add(v[0], v[2], v[3], group);
+            }
+            step(progress, primitive + 1);
+        });
     summer.finish();
     finish_sums(geometry);
 }
