@@ -2,6 +2,7 @@
 
 #include <platform/qz_gmath.h>
 
+#include <cmath>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -47,6 +48,15 @@ inline VecLanes make_lanes(GMathVec4<unsigned char> const& v) {
 #else
     IntLanes const numbers = {v.x, v.y, v.z, v.w};
     return __builtin_convertvector(numbers, VecLanes);
+#endif
+}
+
+inline VecLanes get_root(VecLanes const& lanes) {
+#if defined(__SSE2__)
+    return (VecLanes)_mm_sqrt_ps((__m128)lanes);
+#else
+    return VecLanes{std::sqrt(lanes[0]), std::sqrt(lanes[1]), std::sqrt(lanes[2]),
+                    std::sqrt(lanes[3])};
 #endif
 }
 

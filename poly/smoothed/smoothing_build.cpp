@@ -5,6 +5,7 @@
 #include <poly/mesh/primitive_corners.h>
 #include <poly/mesh/progress_task.h>
 #include <poly/render/surface_weights.h>
+#include <poly/render/vec_lanes.h>
 #include <poly/smoothed/smoothing_triangles.h>
 #include <poly/topology/neighbourhood.h>
 
@@ -79,11 +80,37 @@ class SmoothingBuilder {
         unsigned int const count = m_triangles.get_count();
         set_step_count(m_progress, count);
         m_face_normals.reset(count);
-        for (unsigned int t = 0; t < count; ++t) {
-            unsigned int const* const v = m_triangles.vertices.get_data() + 3 * t;
-            m_face_normals[t] =
-                compute_flat_normal(m_positions[v[0]], m_positions[v[1]], m_positions[v[2]]);
+        unsigned int t = 0;
+        for (; count - t >= 4; t += 4) {
+            compute_four_face_normals(t);
+            step(m_progress, t + 4);
+        }
+        for (; t < count; ++t) {
+            m_face_normals[t] = compute_flat_normal(get_position(3 * t), get_position(3 * t + 1),
+                                                    get_position(3 * t + 2));
             step(m_progress, t + 1);
+        }
+    }
+
+    // The same for the triangles from `first` on, side by side.
+    void compute_four_face_normals(unsigned int const& first) {
+        using Four = GMathVec3<VecLanes>;
+        auto const load = [&](unsigned int const& corner) {
+            Vec3 const& p0 = get_position(3 * first + corner);
+            Vec3 const& p1 = get_position(3 * first + corner + 3);
+            Vec3 const& p2 = get_position(3 * first + corner + 6);
+            Vec3 const& p3 = get_position(3 * first + corner + 9);
+            return Four{VecLanes{p0.x, p1.x, p2.x, p3.x}, VecLanes{p0.y, p1.y, p2.y, p3.y},
+                        VecLanes{p0.z, p1.z, p2.z, p3.z}};
+        };
+        Four const p = load(0);
+        Four const normal = gmath_cross(load(1) - p, load(2) - p);
+        VecLanes const length = get_root(gmath_dot(normal, normal));
+        IntLanes const is_zero = length <= spread(0.0f);
+        Four const unit = normal / length;
+        for (unsigned int k = 0; k < 4; ++k) {
+            m_face_normals[first + k] =
+                is_zero[k] != 0 ? Vec3(0, 0, 0) : Vec3(unit.x[k], unit.y[k], unit.z[k]);
         }
     }
 
@@ -106,9 +133,12 @@ class SmoothingBuilder {
             edges[e] = SmoothingEdge::HARD;
             m_hard_edges.append(e);
         } else if (edges[e] == SmoothingEdge::UNDECIDED) {
-            bool const is_smooth = bends_little(e, f, cos_limit);
-            edges[e] = edges[f] = is_smooth ? SmoothingEdge::SMOOTH : SmoothingEdge::HARD;
-            if (!is_smooth) {
+            // A smooth one is decided from both sides, which is less than to foresee which is
+            // first.
+            if (bends_little(e, f, cos_limit)) {
+                edges[e] = SmoothingEdge::SMOOTH;
+            } else {
+                edges[e] = edges[f] = SmoothingEdge::HARD;
                 m_hard_edges.append(e);
                 m_hard_edges.append(f);
             }

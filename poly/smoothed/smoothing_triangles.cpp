@@ -26,19 +26,23 @@ SmoothingTriangles::SmoothingTriangles(PolyMeshTopology const& topology) {
     corner_ids.reset(corner_count);
     vertices.reset(corner_count);
     edges.reset(corner_count);
-    unsigned int corner = 0;
-    for (unsigned int primitive = 0; primitive < topology.primitive_infos.get_count();
-         ++primitive) {
+    PrimitiveReader const reader(topology);
+    unsigned int const primitive_count = topology.primitive_infos.get_count();
+    unsigned int* next_id = corner_ids.get_data();
+    unsigned int* next_vertex = vertices.get_data();
+    SmoothingEdge* next_edge = edges.get_data();
+    for (unsigned int primitive = 0; primitive < primitive_count; ++primitive) {
         unsigned int const info = topology.primitive_infos[primitive];
         unsigned int ids[4];
-        unsigned int const count = get_primitive_corner_ids(topology, primitive, ids);
+        unsigned int const count = reader.get_corner_ids(primitive, ids);
         unsigned int half = 0;
         for (SurfaceTriangle const& triangle : get_surface_triangles(count == 4)) {
-            for (unsigned int k = 0; k < 3; ++k, ++corner) {
-                corner_ids[corner] = ids[triangle.corners[k]];
-                vertices[corner] = topology.polygon_vertex_indices[corner_ids[corner]];
-                edges[corner] = is_within_polygon(info, half, k) ? SmoothingEdge::SMOOTH
-                                                                 : SmoothingEdge::UNDECIDED;
+            for (unsigned int k = 0; k < 3; ++k) {
+                unsigned int const id = ids[triangle.corners[k]];
+                *next_id++ = id;
+                *next_vertex++ = reader.get_vertex(id);
+                *next_edge++ = is_within_polygon(info, half, k) ? SmoothingEdge::SMOOTH
+                                                                : SmoothingEdge::UNDECIDED;
             }
             ++half;
         }
