@@ -4,6 +4,7 @@
 #include <tools/qzpoly/pictures/palette.h>
 #include <tools/qzpoly/pictures/picture_text.h>
 #include <tools/qzpoly/pictures/texture.h>
+#include <tools/qzpoly/pictures/texture_statement.h>
 
 #include <cmath>
 #include <random>
@@ -64,11 +65,43 @@ TEST(Texture, RefusesWhatIsBroken) {
         EXPECT_FALSE(load(whole.substr(0, length), 63)) << length;
         EXPECT_FALSE(reason.empty());
     }
+    // Dimensions that so few bytes cannot have, with their checksum.
+    std::string wide = whole;
+    wide.replace(16, 17, std::string("\0\0\x20\0\0\0\x20\0\x8\x2\0\0\0\xFD\xC8\x5D\x0E", 17));
+    EXPECT_FALSE(load(wide, tool_largest_texture));
+    EXPECT_EQ(reason, "too short for 8192 x 8192 pixels");
     for (unsigned int seed = 0; seed < 100; ++seed) {
         std::mt19937 random(seed);
         std::string bytes = whole;
         bytes[random() % bytes.size()] = static_cast<char>(random());
         load(bytes, 1u << 16);  // whatever comes of it
+    }
+}
+
+TEST(Texture, IsFoundBehindOptions) {
+    struct Row {
+        char const* text;
+        char const* path;
+        float scale[2];
+        float offset[2];
+    };
+    for (Row const& row : {
+             Row{"a b.png", "a b.png", {1, 1}, {0, 0}},
+             Row{"-s 2 3.png", "3.png", {2, 1}, {0, 0}},
+             Row{"-s 2 -3 1 -o .5 +1e-1 7 x -o.png", "x -o.png", {2, -3}, {0.5f, 0.1f}},
+             Row{"-o 0.25 nan 1", "nan 1", {1, 1}, {0.25f, 0}},
+             Row{"-blendu off -clamp on -mm 0 1 -t 1 1 -bm 2 -texres 64 -imfchan r -cc on -type "
+                 "s\tx",
+                 "x",
+                 {1, 1},
+                 {0, 0}},
+             Row{"-s", "", {1, 1}, {0, 0}},
+             Row{"-odd x", "-odd x", {1, 1}, {0, 0}},
+         }) {
+        ToolTextureStatement const found = read_texture_statement(row.text);
+        EXPECT_EQ(found.path, row.path);
+        EXPECT_EQ(found.scale, GMathVec2<float>(row.scale[0], row.scale[1])) << row.text;
+        EXPECT_EQ(found.offset, GMathVec2<float>(row.offset[0], row.offset[1])) << row.text;
     }
 }
 

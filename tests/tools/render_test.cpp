@@ -149,7 +149,7 @@ TEST(Render, ColorsComeFromFiles) {
         {"no such texture", "newmtl a b\nKd 1 .2 0\nmap_Kd C:\\pics\\u.png", "mtllib l.mtl", true,
          "texture"},
         {"a broken texture", "newmtl a b\nKd 1 .2 0\nmap_Kd l.mtl", "mtllib l.mtl", true,
-         "texture"},
+         "texture l.mtl: not a PNG file"},
         {"no library at all", std::string(9000, '\xFF') + "newmtl", "mtllib l.mtl", false, ""},
         {"too long", "newmtl a b\nKd 0 1 0\n" + std::string(20000, '#'), "mtllib l.mtl", false,
          "too long"},
@@ -169,6 +169,14 @@ TEST(Render, ColorsComeFromFiles) {
         EXPECT_NE(run.errors.find(row.warning), std::string::npos) << run.errors;
         EXPECT_EQ(render(folder, {model, "--no-materials"}), plain);
     }
+    // Options of a texture do what other uv coordinates would.
+    std::filesystem::copy_file(folder.get_path("out.png"), folder.get_path("deep/n o.png"));
+    folder.write("deep/l.mtl", "newmtl a b\nmap_Kd -s 2 1 -o 4 n o.png\n");
+    std::string wide = sheet;
+    wide.replace(wide.find("vt 3 0\nvt 3 1"), 13, "vt 6 0\nvt 6 1");
+    EXPECT_EQ(render(folder, {folder.write("deep/model.obj", "mtllib l.mtl\n" + sheet)}),
+              render(folder, {folder.write("wide.obj", wide), "--texture",
+                              folder.get_path("deep/n o.png")}));
 }
 
 // Opens what was written, and gives the number of pictures.

@@ -91,7 +91,7 @@ bool make_appearance(ToolLookOptions const& options, ToolMesh const& mesh, ToolM
         }
         return true;
     }
-    if (options.has_materials) {
+    if (!options.ignores_materials) {
         appearance.materials = load_materials(mesh, messages);
     }
     if (!options.texture.empty()) {
@@ -125,7 +125,7 @@ void add_look_options(CLI::App& command, ToolLookOptions& options,
         .add_option("--texture", options.texture,
                     "A picture over the whole surface, laid by its uv map")
         ->type_name("PNG");
-    command.add_flag("!--no-materials", options.has_materials,
+    command.add_flag("--no-materials", options.ignores_materials,
                      "Leave the material libraries and the surface colors of the file alone");
     command.add_option("--background", options.background, "white, black, grey, blue, or RRGGBB")
         ->type_name("COLOR")

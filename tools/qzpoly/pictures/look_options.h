@@ -10,8 +10,8 @@ struct ToolLookOptions {
     std::string shade_mode = get_shade_modes()[0].name;
     unsigned int uv_map = 0;
     unsigned int color_map = 0;
-    std::string texture;  // a PNG file; empty: none
-    bool has_materials = true;
+    std::string texture;              // a PNG file; empty: none
+    bool ignores_materials = false;   // those of the file
     std::string background;           // empty: the usual one
     unsigned int occlusion_rays = 0;  // a sample; 0: the usual light
     unsigned int samples = 0;         // rays for a pixel; 0: the usual number

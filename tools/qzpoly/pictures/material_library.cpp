@@ -41,6 +41,20 @@ std::vector<std::string> split_names(fs::path const& folder, std::string_view co
     return names;
 }
 
+// The last one of a material. Its options are not left to the reader, which takes a path for the
+// last number of an option that is short of numbers.
+ToolTextureStatement find_texture(std::string_view const& text) {
+    ToolTextureStatement texture;
+    ToolObjStatements statements(text);
+    ToolObjStatement statement;
+    while (statements.find_next(statement)) {
+        if (statement.keyword == "map_Kd") {
+            texture = read_texture_statement(statement.rest);
+        }
+    }
+    return texture;
+}
+
 // One material of a library, as text. False, with the reason, when its reader fails.
 bool read_material(std::string_view const& text, ToolLibraryMaterial& material,
                    std::string& reason) {
@@ -54,7 +68,7 @@ bool read_material(std::string_view const& text, ToolLibraryMaterial& material,
         if (reason.empty() && !materials.empty()) {
             tinyobj::material_t const& read = materials[0];
             material.diffuse = {read.diffuse[0], read.diffuse[1], read.diffuse[2]};
-            material.texture = read.diffuse_texname;
+            material.texture = find_texture(text);
             return true;
         }
     } catch (std::exception const& fault) {

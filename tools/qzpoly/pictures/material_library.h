@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tools/qzpoly/pictures/texture_statement.h>
 #include <tools/qzpoly/terminal/messages.h>
 
 #include <platform/qz_gmath.h>
@@ -14,7 +15,7 @@
 struct ToolLibraryMaterial {
     unsigned int group;
     GMathVec3<float> diffuse;  // any numbers
-    std::string texture;       // a path as it stands there; empty: none
+    ToolTextureStatement texture;
 };
 
 // Where a file lies that another one names: below its folder, whatever the name. Of absolute paths

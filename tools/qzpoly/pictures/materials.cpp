@@ -39,7 +39,7 @@ void load_surface_colors(ToolMesh const& mesh, Materials& materials) {
     for (unsigned int i = 0; i < names.get_count(); ++i) {
         auto const group = groups.find(names[i].get_view());
         if (group != groups.end()) {
-            materials[group->second] = ToolMaterial{to_light(colors[i]), nullptr};
+            materials[group->second] = ToolMaterial{.color = to_light(colors[i])};
         }
     }
 }
@@ -86,9 +86,11 @@ void load_libraries(ToolMesh const& mesh, ToolMessages& messages, Materials& mat
         std::map<std::string_view, unsigned int> missing = groups;
         std::erase_if(missing, [&](auto const& group) { return materials[group.second]; });
         for (ToolLibraryMaterial const& found : read_material_library(library, missing, messages)) {
-            materials[found.group] = ToolMaterial{to_light(found.diffuse), nullptr};
-            if (!found.texture.empty()) {
-                materials[found.group]->texture = textures.load(found.texture);
+            materials[found.group] = ToolMaterial{.color = to_light(found.diffuse),
+                                                  .uv_scale = found.texture.scale,
+                                                  .uv_offset = found.texture.offset};
+            if (!found.texture.path.empty()) {
+                materials[found.group]->texture = textures.load(found.texture.path);
             }
         }
     }

@@ -56,7 +56,8 @@ ToolColor shade_surface(ToolShadePoint const& point) {
     }
     ToolMaterial const* const material = find_material(point);
     if (material != nullptr && material->texture && find_uv(point, uvw)) {
-        return material->texture->get_color(uvw.x, uvw.y);
+        return material->texture->get_color(uvw.x * material->uv_scale.x + material->uv_offset.x,
+                                            uvw.y * material->uv_scale.y + material->uv_offset.y);
     }
     return has_color_map(point)  ? get_map_color(point)
            : material != nullptr ? material->color

@@ -14,7 +14,9 @@
 // The color of a group of polygons; a texture takes its place where there are uv coordinates.
 struct ToolMaterial {
     ToolColor color;
-    std::shared_ptr<ToolTexture const> texture;
+    std::shared_ptr<ToolTexture const> texture = nullptr;
+    GMathVec2<float> uv_scale{1, 1};  // takes uv coordinates to those of the texture
+    GMathVec2<float> uv_offset{0, 0};
 };
 
 // What a geometry is colored by.

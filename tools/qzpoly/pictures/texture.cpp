@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t largest_file = std::size_t(1) << 28;  // bytes
+constexpr std::size_t most_unpacked = 1032;  // bytes of one, as deflate can; a byte has 8 pixels
 
 std::array<float, 256> make_light_table() {
     std::array<float, 256> table{};
@@ -38,12 +39,20 @@ Step find_step(double const& value, unsigned int const& count) {
 
 bool decode(png_image& png, std::string const& bytes, std::size_t const& largest_size,
             ToolImage& image, std::string& reason) {
+    if (png_sig_cmp(reinterpret_cast<png_const_bytep>(bytes.data()), 0, bytes.size()) != 0) {
+        reason = "not a PNG file, and only those are read";
+        return false;
+    }
     if (png_image_begin_read_from_memory(&png, bytes.data(), bytes.size()) == 0) {
         reason = png.message;
         return false;
     }
     if (std::size_t(png.width) * png.height > largest_size) {
         reason = make_text("more pixels than there is room for: ", png.width, " x ", png.height);
+        return false;
+    }
+    if (std::size_t(png.width) * png.height / 8 > bytes.size() * most_unpacked) {
+        reason = make_text("too short for ", png.width, " x ", png.height, " pixels");
         return false;
     }
     png.format = PNG_FORMAT_RGB;
