@@ -25,7 +25,6 @@ ToolFaultMeaning const s_meanings[] = {
      from_display(0.55f, 0.80f, 0.45f)},
     {"no-group", "polygons without a group, where others have one",
      from_display(0.60f, 0.50f, 0.40f)},
-    {"empty-group", "groups without a polygon", ToolColor(0, 0, 0)},
     {"unused-vertex", "vertices of no polygon", ToolColor(0, 0, 0)},
 };
 static_assert(std::size(s_meanings) == tool_fault_kind_count);
@@ -58,22 +57,10 @@ void find_group_faults(PolyMesh const& mesh, ToolFaultCollector& collector) {
         return group < names.get_count() && !names[group].is_empty() &&
                names[group].get_view() != "default";
     };
-    std::vector<unsigned int> counts(names.get_count());
-    bool has_named = false;
-    for (unsigned int const group : groups) {
-        has_named = has_named || is_named(group);
-        if (group < counts.size()) {
-            ++counts[group];
-        }
-    }
+    bool const has_named = std::any_of(groups.begin(), groups.end(), is_named);
     for (unsigned int polygon = 0; has_named && polygon < groups.get_count(); ++polygon) {
         if (!is_named(groups[polygon])) {
             collector.add(ToolFaultKind::NO_GROUP, {.polygon = polygon});
-        }
-    }
-    for (unsigned int group = 0; group < counts.size(); ++group) {
-        if (counts[group] == 0) {
-            collector.add(ToolFaultKind::EMPTY_GROUP, {.group = group});
         }
     }
 }

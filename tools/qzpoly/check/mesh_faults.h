@@ -22,7 +22,6 @@ enum class ToolFaultKind : unsigned char {
     UV_FLIPPED,
     UV_OUTSIDE,
     NO_GROUP,
-    EMPTY_GROUP,
     UNUSED_VERTEX,
     COUNT,  // also: no fault
 };
@@ -45,7 +44,6 @@ struct ToolFaultPlace {
     unsigned int vertex = none;
     unsigned int other_vertex = none;  // the other end of an edge
     unsigned int map = none;
-    unsigned int group = none;
 };
 
 struct ToolFaults {

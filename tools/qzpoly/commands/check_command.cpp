@@ -38,9 +38,6 @@ std::string tell_place(PolyMesh const& mesh, ToolFaultPlace const& place,
                        ToolObjLines const& lines) {
     constexpr unsigned int none = ToolFaultPlace::none;
     std::string text;
-    if (place.group != none) {
-        return make_text("group ", mesh.get_shading_group_names()[place.group]);
-    }
     if (place.other_vertex != none) {
         text = make_text("vertices ", place.vertex, " and ", place.other_vertex, " of ");
     }
@@ -96,9 +93,6 @@ ToolJson make_json(PolyMesh const& mesh, ToolFaultPlace const& place, ToolObjLin
     }
     if (place.map != none) {
         json["uv_map"] = std::string(mesh.get_uv_map_name(place.map).get_view());
-    }
-    if (place.group != none) {
-        json["group"] = std::string(mesh.get_shading_group_names()[place.group].get_view());
     }
     if (unsigned long long const line = find_line(lines, place)) {
         json["line"] = line;
