@@ -52,7 +52,8 @@ TEST(Texture, RefusesWhatIsBroken) {
     ToolFolder const folder;
     std::string reason;
     std::size_t size = 0;
-    ASSERT_TRUE(write_png(make_noise(9, 7, 2), folder.get_path("whole.png"), reason));
+    ToolMessages messages;
+    ASSERT_TRUE(write_png(make_noise(9, 7, 2), folder.get_path("whole.png"), messages));
     std::string const whole = folder.read("whole.png");
     auto const load = [&](std::string const& bytes, std::size_t const& largest_size) {
         return load_texture(folder.write("t.png", bytes), largest_size, size, reason) != nullptr;

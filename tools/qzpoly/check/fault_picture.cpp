@@ -112,12 +112,14 @@ bool draw_faults(PolyMesh const& mesh, ToolFaults const& faults, ToolCameraOptio
     settings.shade_mode = &tool_primitive_color_mode;
     settings.appearance.primitive_colors = color_primitives(mesh, faults);
     settings.edge_layers = make_layers(mesh, faults);
-    ToolProgress progress("rendering");
-    progress.get_bar().start();
     if (!make_camera(camera, scene.get_extent(), messages, view) ||
         !scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
-                       messages) ||
-        !scene.draw(view, settings, progress.get_bar(), messages, image)) {
+                       messages)) {
+        return false;
+    }
+    ToolProgress progress("rendering");
+    progress.get_bar().start();
+    if (!scene.draw(view, settings, progress.get_bar(), messages, image)) {
         return false;
     }
     draw_key(faults, image);

@@ -118,32 +118,18 @@ ToolJson make_json(std::string const& name, PolyMesh const& mesh, ToolFaults con
 bool write_picture(CheckOptions const& options, PolyMesh const& mesh, ToolFaults const& faults,
                    ToolMessages& messages) {
     ToolImage image;
-    std::string reason;
-    if (options.picture.empty()) {
-        return true;
-    }
-    if (!draw_faults(mesh, faults, options.camera, messages, image)) {
-        return false;
-    }
-    if (!write_png(image, options.picture, reason)) {
-        messages.fail(make_text("cannot write ", std::string_view(options.picture), ": ",
-                                std::string_view(reason)));
-        return false;
-    }
-    return true;
+    return options.picture.empty() || (draw_faults(mesh, faults, options.camera, messages, image) &&
+                                       write_png(image, options.picture, messages));
 }
 
 // Checks one mesh; returns its status.
-int check_mesh(CheckOptions const& options, std::string const& file, ToolMessages& messages,
-               ToolJson& json) {
-    ToolMeshOptions mesh_options = options.mesh;
-    mesh_options.file = file;
+int check_mesh(CheckOptions const& options, ToolMeshOptions const& mesh_options,
+               ToolMessages& messages, ToolJson& json) {
     ToolMesh mesh;
-    int status = tool_failure;
-    messages.forget_reason();
-    if (!load_mesh(mesh_options, messages, mesh, status)) {
+    std::string const& file = mesh_options.file;
+    if (!load_mesh(mesh_options, messages, mesh)) {
         json.push_back({{"file", file}, {"faults", nullptr}});
-        return status;
+        return tool_failure;
     }
     std::vector<ToolFaultKind> ignored;
     for (std::string const& name : options.ignored) {
@@ -169,21 +155,14 @@ int check_mesh(CheckOptions const& options, std::string const& file, ToolMessage
 
 int run_check(CheckOptions const& options, ToolMessages& messages) {
     ToolJson json = ToolJson::array();
-    std::vector<std::string> files = options.mesh.files;
-    if (files.empty()) {
-        files.emplace_back();  // a sphere, or the own model
-    }
-    if (files.size() > 1 && !options.picture.empty()) {
+    if (options.mesh.files.size() > 1 && !options.picture.empty()) {
         refuse_option("--picture", "takes one FILE");
     }
-    int status = tool_success;
-    for (std::string const& file : files) {
-        status = std::max(status, check_mesh(options, file, messages, json));
-        if (is_interrupted()) {
-            return tool_interrupted;
-        }
-    }
-    if (options.is_json) {
+    int const status =
+        visit_files(options.mesh, messages, [&](ToolMeshOptions const& mesh_options) {
+            return check_mesh(options, mesh_options, messages, json);
+        });
+    if (options.is_json && !is_interrupted()) {
         print_json(json);
     }
     return status;

@@ -92,15 +92,14 @@ void warn_of_statements(std::string const& path, ToolMessages& messages) {
 int run_convert(ConvertOptions const& options, ToolMessages& messages) {
     ToolMesh mesh;
     ToolObjContents contents;
-    int status = tool_failure;
     std::error_code error;
     if (std::filesystem::exists(options.mesh.file, error) &&
         !std::filesystem::is_regular_file(options.mesh.file, error)) {
         return messages.fail(make_text(std::string_view(options.mesh.file),
                                        " is no regular file, and it is read twice"));
     }
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     if (!load_contents(mesh, options.mesh.item, contents)) {
         return messages.fail(make_text("cannot load ", std::string_view(options.mesh.file)));
@@ -113,10 +112,8 @@ int run_convert(ConvertOptions const& options, ToolMessages& messages) {
         warn_of_statements(mesh.path, messages);
     }
     std::string const text = write_obj(contents, options.uv_map, messages);
-    std::string reason;
-    if (is_interrupted() || !write_file(options.output, text.data(), text.size(), reason)) {
-        return messages.fail(make_text("cannot write ", std::string_view(options.output), ": ",
-                                       std::string_view(reason)));
+    if (!write_file(options.output, text.data(), text.size(), messages)) {
+        return tool_failure;
     }
     std::printf("%s: %zu bytes\n", make_printable(options.output).c_str(), text.size());
     return tool_success;

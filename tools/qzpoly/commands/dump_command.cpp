@@ -15,10 +15,9 @@ struct DumpOptions {
 };
 
 int run_dump(DumpOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     DumpWriter writer(stdout, options.digests);
     dump_mesh(*mesh.mesh, {!options.mesh.is_unchecked, options.smoothing_angles}, writer);

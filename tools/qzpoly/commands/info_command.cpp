@@ -127,11 +127,10 @@ ToolJson make_json(ToolMesh const& mesh, ToolMeshFacts const& facts,
 }
 
 int run_info(InfoOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
     ToolSurface surface;  // holds the properties
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     if (!make_surface(options.surface, *mesh.mesh, messages, surface)) {
         return tool_failure;

@@ -16,19 +16,19 @@ struct PackOptions {
 };
 
 int run_pack(PackOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     unsigned long long size = 0;
     std::unique_ptr<unsigned char, decltype(&std::free)> const block(mesh.mesh->serialize(size),
                                                                      &std::free);
     std::string const name = options.block_file.empty() ? mesh.name + ".block" : options.block_file;
-    std::string reason = "out of memory";
-    if (!block || !write_file(name, block.get(), size, reason)) {
-        return messages.fail(
-            make_text("cannot write ", std::string_view(name), ": ", std::string_view(reason)));
+    if (!block) {
+        return messages.fail("out of memory");
+    }
+    if (!write_file(name, block.get(), size, messages)) {
+        return tool_failure;
     }
     std::printf("%s: %llu bytes\n", make_printable(name).c_str(), size);
     return tool_success;

@@ -5,7 +5,6 @@
 #include <tools/qzpoly/pictures/surface_options.h>
 #include <tools/qzpoly/terminal/json_out.h>
 #include <tools/qzpoly/terminal/numbers.h>
-#include <tools/qzpoly/terminal/terminal.h>
 
 #include <CLI/CLI.hpp>
 
@@ -172,8 +171,7 @@ bool answer_batch(GeometryObject const& geometry, CtxEval const& ctx, ToolMessag
                   ToolJson& answers) {
     answers = ToolJson::array();
     std::string line;
-    for (unsigned long long number = 1; !is_interrupted() && std::getline(std::cin, line);
-         ++number) {
+    for (unsigned long long number = 1; std::getline(std::cin, line); ++number) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) {
             continue;
         }
@@ -214,13 +212,12 @@ void print_text(ToolJson const& json, std::string const& indent) {
 }
 
 int run_probe(ProbeOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
     ToolSurface surface;
     Vec shutter_times;
     if (!load_moving_mesh(options.mesh, options.motion, GMathVec3<double>(0, 1, 0), messages, mesh,
-                          shutter_times, status)) {
-        return status;
+                          shutter_times)) {
+        return tool_failure;
     }
     if (!make_surface(options.surface, *mesh.mesh, messages, surface)) {
         return tool_failure;
@@ -232,9 +229,6 @@ int run_probe(ProbeOptions const& options, ToolMessages& messages) {
         json = answer(*surface.geometry, ctx, options.probe);
     } else if (!answer_batch(*surface.geometry, ctx, messages, json)) {
         return tool_failure;
-    }
-    if (is_interrupted()) {
-        return messages.fail("stopped");
     }
     if (options.is_json || options.is_batch) {
         print_json(json);

@@ -50,5 +50,6 @@ int run_program(int const& argument_count, char const* const* arguments) {
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         return session.messages.fail("cannot write to standard output");
     }
-    return is_interrupted() ? tool_interrupted : session.status;
+    return session.status != tool_success && is_interrupted() ? ToolMessages::tell_interrupt()
+                                                              : session.status;
 }

@@ -98,24 +98,21 @@ bool draw(RenderOptions const& options, ToolMesh const& mesh, GeometryObject con
 
 int run_render(RenderOptions const& options, ToolMessages& messages) {
     ToolStopwatch const watch;
-    int status = tool_failure;
     ToolMesh mesh;
     std::vector<double> shutter_times;
     ToolImage image;
     ToolSurface surface;
     if (!load_moving_mesh(options.mesh, options.motion, get_vertical(options.camera), messages,
-                          mesh, shutter_times, status)) {
-        return status;
+                          mesh, shutter_times)) {
+        return tool_failure;
     }
     if (!make_surface(options.surface, *mesh.mesh, messages, surface) ||
         !draw(options, mesh, *surface.geometry, shutter_times, messages, image)) {
-        return is_interrupted() ? tool_interrupted : tool_failure;
+        return tool_failure;
     }
     std::string const path = options.output.empty() ? mesh.name + ".png" : options.output;
-    std::string reason;
-    if (!write_png(image, path, reason)) {
-        return messages.fail(
-            make_text("cannot write ", std::string_view(path), ": ", std::string_view(reason)));
+    if (!write_png(image, path, messages)) {
+        return tool_failure;
     }
     std::printf("%s: %u x %u, %u primitives, %.2f s\n", make_printable(path).c_str(), image.width,
                 image.height, mesh.mesh->get_primitive_count(), watch.get_seconds());

@@ -26,7 +26,6 @@ constexpr unsigned int gap = 2;
 constexpr std::size_t largest_sheet = std::size_t(1) << 28;  // pixels
 
 struct SheetOptions {
-    ToolMeshOptions mesh;
     ToolCameraOptions camera;
     ToolLookOptions look;
     std::vector<std::string> paths;
@@ -75,30 +74,28 @@ bool list_files(std::vector<std::string> const& paths, ToolMessages& messages,
     return !files.empty();
 }
 
-bool draw_model(SheetOptions const& options, std::string const& file, ToolMessages& messages,
-                ToolImage& image) {
-    ToolMeshOptions mesh_options = options.mesh;
-    mesh_options.file = file;
+bool draw_model(SheetOptions const& options, ToolMeshOptions const& mesh_options,
+                ToolMessages& messages, ToolImage& image) {
     ToolMesh mesh;
     ToolCamera camera;
     ToolRenderSettings settings;
-    int status = tool_failure;
-    messages.forget_reason();
-    if (!load_mesh(mesh_options, messages, mesh, status)) {
+    if (!load_mesh(mesh_options, messages, mesh)) {
         return false;
     }
     ToolScene scene(*mesh.mesh, {});
     if (options.has_edges) {
         settings.edge_layers.push_back({list_visible_edges(*mesh.mesh), std::nullopt});
     }
+    if (!make_camera(options.camera, scene.get_extent(), messages, camera) ||
+        !make_look(options.look, mesh, *mesh.mesh, scene.get_ctx(), usual_sample_count, messages,
+                   settings) ||
+        !scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
+                       messages)) {
+        return false;
+    }
     ToolProgress progress("rendering");
     progress.get_bar().start();
-    return make_camera(options.camera, scene.get_extent(), messages, camera) &&
-           make_look(options.look, mesh, *mesh.mesh, scene.get_ctx(), usual_sample_count, messages,
-                     settings) &&
-           scene.prepare(GeometryRaytraceCtx::TEST_TOLERANT, false, settings.thread_count,
-                         messages) &&
-           scene.draw(camera, settings, progress.get_bar(), messages, image);
+    return scene.draw(camera, settings, progress.get_bar(), messages, image);
 }
 
 void copy_image(ToolImage const& from, unsigned int const& left, unsigned int const& top,
@@ -117,12 +114,13 @@ std::string shorten(std::string const& name, std::size_t const& most) {
 }
 
 // Draws a model with its name beneath, or what is there in place of it.
-bool draw_cell(SheetOptions const& options, std::string const& file, unsigned int const& left,
-               unsigned int const& top, ToolMessages& messages, ToolImage& sheet) {
+bool draw_cell(SheetOptions const& options, ToolMeshOptions const& mesh_options,
+               unsigned int const& left, unsigned int const& top, ToolMessages& messages,
+               ToolImage& sheet) {
     unsigned int const width = options.camera.size[0];
     unsigned int const height = options.camera.size[1];
     ToolImage image;
-    bool const is_drawn = draw_model(options, file, messages, image);
+    bool const is_drawn = draw_model(options, mesh_options, messages, image);
     ToolColor const fault_color = from_display(0.75f, 0.1f, 0.1f);
     if (is_drawn) {
         copy_image(image, left, top, sheet);
@@ -131,7 +129,7 @@ bool draw_cell(SheetOptions const& options, std::string const& file, unsigned in
         draw_text(sheet, shorten("cannot be drawn", width / tool_letter_advance), left + 4,
                   top + height / 2, 1, fault_color);
     }
-    std::string const name = shorten(fs::path(file).filename().string(),
+    std::string const name = shorten(fs::path(mesh_options.file).filename().string(),
                                      (width - std::min(width, 8u)) / tool_letter_advance);
     draw_text(sheet, name, left + 4, top + height + 4, 1,
               is_drawn ? ToolColor(0, 0, 0) : fault_color);
@@ -139,7 +137,8 @@ bool draw_cell(SheetOptions const& options, std::string const& file, unsigned in
 }
 
 int run_sheet(SheetOptions const& options, ToolMessages& messages) {
-    std::vector<std::string> files;
+    ToolMeshOptions mesh_options;
+    std::vector<std::string>& files = mesh_options.files;
     if (!list_files(options.paths, messages, files)) {
         return tool_failure;
     }
@@ -157,23 +156,21 @@ int run_sheet(SheetOptions const& options, ToolMessages& messages) {
                     static_cast<unsigned int>(rows * step_down - gap));
     fill(sheet, 0, 0, sheet.width, sheet.height, ToolColor(1, 1, 1));
     std::size_t drawn_count = 0;
-    for (std::size_t i = 0; i < files.size(); ++i) {
+    std::size_t place = 0;
+    int const status = visit_files(mesh_options, messages, [&](ToolMeshOptions const& one) {
         bool const is_drawn =
-            draw_cell(options, files[i], static_cast<unsigned int>(i % columns * step_across),
-                      static_cast<unsigned int>(i / columns * step_down), messages, sheet);
+            draw_cell(options, one, static_cast<unsigned int>(place % columns * step_across),
+                      static_cast<unsigned int>(place / columns * step_down), messages, sheet);
         drawn_count += is_drawn ? 1 : 0;
-        if (is_interrupted()) {
-            return tool_interrupted;
-        }
-    }
-    std::string reason;
-    if (!write_png(sheet, options.output, reason)) {
-        return messages.fail(make_text("cannot write ", std::string_view(options.output), ": ",
-                                       std::string_view(reason)));
+        ++place;
+        return is_drawn ? tool_success : tool_failure;
+    });
+    if (is_interrupted() || !write_png(sheet, options.output, messages)) {
+        return tool_failure;
     }
     std::printf("%s: %zu of %zu models, %u x %u\n", make_printable(options.output).c_str(),
                 drawn_count, files.size(), sheet.width, sheet.height);
-    return drawn_count == files.size() ? tool_success : tool_failure;
+    return status;
 }
 
 }  // namespace

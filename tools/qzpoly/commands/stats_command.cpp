@@ -22,10 +22,9 @@ void print_to_stdout(void*, unsigned int const&, CoreString const& message) {
 }
 
 int run_stats(StatsOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     PolyMeshSmoothed smoothed;
     if (options.is_smooth) {

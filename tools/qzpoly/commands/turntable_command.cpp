@@ -64,28 +64,28 @@ bool draw_frames(TurntableOptions const& options, ToolMesh const& mesh,
 }
 
 int run_turntable(TurntableOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
     ToolSurface surface;
     if (!options.camera.eye.empty()) {
         refuse_option("--eye", "would not turn; give --camera or --turn");
     }
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     double const delay = std::round(100 * options.seconds / options.frame_count);
     ToolGif gif(options.camera.size[0], options.camera.size[1],
                 std::max(shortest_delay, static_cast<unsigned int>(delay)));
     if (!make_surface(options.surface, *mesh.mesh, messages, surface) ||
         !draw_frames(options, mesh, *surface.geometry, messages, gif)) {
-        return is_interrupted() ? tool_interrupted : tool_failure;
+        return tool_failure;
     }
     std::string const path = options.output.empty() ? mesh.name + ".gif" : options.output;
     std::vector<unsigned char> bytes;
-    std::string reason = "out of memory";
-    if (!gif.finish(bytes) || !write_file(path, bytes.data(), bytes.size(), reason)) {
-        return messages.fail(
-            make_text("cannot write ", std::string_view(path), ": ", std::string_view(reason)));
+    if (!gif.finish(bytes)) {
+        return messages.fail("out of memory");
+    }
+    if (!write_file(path, bytes.data(), bytes.size(), messages)) {
+        return tool_failure;
     }
     std::printf("%s: %u frames of %u x %u, %zu bytes\n", make_printable(path).c_str(),
                 options.frame_count, options.camera.size[0], options.camera.size[1], bytes.size());

@@ -169,7 +169,7 @@ bool verify_place(PolyMesh const& mesh, ToolVerifySurface const& surface,
     ToolVerifyStage const stage(mesh, report.place);
     report.bound_fault_count = count_bound_faults(stage);
     if (!shoots_rays) {
-        return !is_interrupted();
+        return true;
     }
     CtxEval const ctx(&stage.get_shader_ctx());
     std::unique_ptr<ToolHitSearch> const search = make_embree_search(
@@ -192,11 +192,11 @@ bool verify_place(PolyMesh const& mesh, ToolVerifySurface const& surface,
     return is_complete;
 }
 
-// False after the reason has been shown and `status` set.
+// False after the reason has been shown.
 bool verify_mesh(VerifyOptions const& options, ToolMeshOptions const& mesh_options,
-                 ToolMessages& messages, MeshReport& report, int& status) {
+                 ToolMessages& messages, MeshReport& report) {
     ToolMesh mesh;
-    if (!load_mesh(mesh_options, messages, mesh, status)) {
+    if (!load_mesh(mesh_options, messages, mesh)) {
         return false;
     }
     report.name = mesh.name;
@@ -219,7 +219,6 @@ bool verify_mesh(VerifyOptions const& options, ToolMeshOptions const& mesh_optio
         report.places.push_back({place, 0, 0, {}});
         if (!verify_place(*mesh.mesh, surface, options.settings, report.skip_reason.empty(),
                           progress.get_bar(), messages, report.places.back())) {
-            status = is_interrupted() ? messages.fail("stopped") : tool_failure;
             return false;
         }
         progress.get_bar().end_task();
@@ -238,26 +237,18 @@ int judge(MeshReport const& report, ToolMessages& messages) {
 }
 
 int run_verify(VerifyOptions const& options, ToolMessages& messages) {
-    int status = tool_success;
     ToolJson json = ToolJson::array();
-    // Without a file there is still one mesh.
-    for (std::size_t i = 0; i < std::max<std::size_t>(options.mesh.files.size(), 1); ++i) {
-        ToolMeshOptions mesh_options = options.mesh;
-        mesh_options.file = options.mesh.files.empty() ? "" : options.mesh.files[i];
-        MeshReport report;
-        messages.forget_reason();
-        int mesh_status = tool_success;
-        if (verify_mesh(options, mesh_options, messages, report, mesh_status)) {
-            mesh_status = judge(report, messages);
+    int const status =
+        visit_files(options.mesh, messages, [&](ToolMeshOptions const& mesh_options) {
+            MeshReport report;
+            if (!verify_mesh(options, mesh_options, messages, report)) {
+                return tool_failure;
+            }
             options.is_json ? json.push_back(make_json(report)) : print_text(report);
             std::fflush(stdout);
-        }
-        status = std::max(status, mesh_status);
-        if (is_interrupted()) {
-            return tool_interrupted;
-        }
-    }
-    if (options.is_json) {
+            return judge(report, messages);
+        });
+    if (options.is_json && !is_interrupted()) {
         print_json(json);
     }
     return status;

@@ -32,10 +32,9 @@ bool check(ToolVisibility const& found, PolyMesh const& mesh, ToolFrustum const&
 }
 
 int run_visible(VisibleOptions const& options, ToolMessages& messages) {
-    int status = tool_failure;
     ToolMesh mesh;
-    if (!load_mesh(options.mesh, messages, mesh, status)) {
-        return status;
+    if (!load_mesh(options.mesh, messages, mesh)) {
+        return tool_failure;
     }
     CtxEval const ctx;
     ToolCamera camera;

@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 
@@ -132,8 +133,7 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
         ->excludes(command.get_option("--item"));
 }
 
-bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh,
-               int& status) {
+bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh) {
     ToolStopwatch const watch;
     if (!options.sphere.empty()) {
         make_sphere(options.sphere, mesh);
@@ -142,14 +142,27 @@ bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh&
     }
     std::string const file = options.file.empty() ? find_own_model() : options.file;
     if (file.empty()) {
-        status = messages.fail(make_text("the model ", own_model_name, " is not where it belongs"));
+        messages.fail(make_text("the model ", own_model_name, " is not where it belongs"));
         return false;
     }
     if (!load_file(file, options, mesh) || is_interrupted()) {
-        status = messages.fail(make_text("cannot load ", std::string_view(file)));
+        messages.fail(make_text("cannot load ", std::string_view(file)));
         return false;
     }
     show_import_warnings(*mesh.mesh, messages);
     mesh.seconds = watch.get_seconds();
     return true;
+}
+
+int visit_files(ToolMeshOptions const& options, ToolMessages& messages,
+                std::function<int(ToolMeshOptions const&)> const& visit) {
+    int status = tool_success;
+    ToolMeshOptions one = options;
+    std::size_t const count = std::max<std::size_t>(options.files.size(), 1);
+    for (std::size_t i = 0; i < count && !is_interrupted(); ++i) {
+        one.file = options.files.empty() ? "" : options.files[i];
+        messages.begin_file(count > 1 ? one.file : "");
+        status = std::max(status, visit(one));
+    }
+    return is_interrupted() ? tool_failure : status;
 }

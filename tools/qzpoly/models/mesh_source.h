@@ -4,6 +4,7 @@
 
 #include <poly/mesh/poly_mesh.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,5 +40,10 @@ enum class ToolFileNeed { REQUIRED, OPTIONAL, SEVERAL };
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need);
 
 // Loads what the options name, the project's own small model if they name nothing. False after the
-// reason has been shown and `status` set.
-bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh, int& status);
+// reason has been shown.
+bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh);
+
+// Visits the options of one of several files after the other, or of the one mesh there is without a
+// file. The worst status of the visits; they fail at an interrupt.
+int visit_files(ToolMeshOptions const& options, ToolMessages& messages,
+                std::function<int(ToolMeshOptions const&)> const& visit);

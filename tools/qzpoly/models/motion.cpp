@@ -53,52 +53,52 @@ std::string tell_difference(PolyMesh const& a, PolyMesh const& b) {
 }
 
 bool load_frames(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
-                 ToolMessages& messages, PolyMesh const& mesh, Frames& frames, int& status) {
-    for (std::string const& file : options.frames) {
+                 ToolMessages& messages, PolyMesh const& mesh, Frames& frames) {
+    frames.positions.resize(options.frames.size());
+    mesh.get_point_cloud()->get_positions(frames.positions[0]);
+    for (std::size_t i = 1; i < options.frames.size(); ++i) {
+        std::string const& file = options.frames[i];
         ToolMeshOptions frame_options = mesh_options;
         frame_options.file = file;
         ToolMesh frame;
-        if (!load_mesh(frame_options, messages, frame, status)) {
+        if (!load_mesh(frame_options, messages, frame)) {
             return false;
         }
         std::string const difference = tell_difference(mesh, *frame.mesh);
         if (!difference.empty()) {
-            status = messages.fail(make_text(std::string_view(file), " is no frame of ",
-                                             std::string_view(options.frames[0]), ": it has ",
-                                             std::string_view(difference)));
+            messages.fail(make_text(std::string_view(file), " is no frame of ",
+                                    std::string_view(options.frames[0]), ": it has ",
+                                    std::string_view(difference)));
             return false;
         }
-        frames.positions.emplace_back();
-        frame.mesh->get_point_cloud()->get_positions(frames.positions.back());
+        frame.mesh->get_point_cloud()->get_positions(frames.positions[i]);
     }
     return true;
 }
 
-bool put_cloud(GeometryPointCloud const& cloud, ToolMessages& messages, PolyMesh& mesh,
-               int& status) {
+bool put_cloud(GeometryPointCloud const& cloud, ToolMessages& messages, PolyMesh& mesh) {
     if (!mesh.set_point_cloud(cloud, nullptr)) {
-        status = messages.fail("the mesh does not take the moving points");
+        messages.fail("the mesh does not take the moving points");
         return false;
     }
     return true;
 }
 
 bool set_frames(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
-                std::vector<double> const& times, ToolMessages& messages, PolyMesh& mesh,
-                int& status) {
+                std::vector<double> const& times, ToolMessages& messages, PolyMesh& mesh) {
     auto const frames = std::make_shared<Frames>();
-    if (!load_frames(mesh_options, options, messages, mesh, *frames, status)) {
+    if (!load_frames(mesh_options, options, messages, mesh, *frames)) {
         return false;
     }
     GeometryPointCloud cloud(*mesh.get_point_cloud(), true);
     cloud.set_deformation(GMathTimeSampling(CoreBasicArray<double>(
                               times.data(), static_cast<unsigned int>(times.size()))),
                           frames);
-    return put_cloud(cloud, messages, mesh, status);
+    return put_cloud(cloud, messages, mesh);
 }
 
 bool set_velocities(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
-                    ToolMessages& messages, PolyMesh& mesh, int& status) {
+                    ToolMessages& messages, PolyMesh& mesh) {
     double const degrees = options.is_spinning ? usual_spin_degrees : options.spin_degrees;
     GMathVec3<double> const turn = vertical * (degrees * std::numbers::pi / 180.0);
     GMathVec3<double> const shift =
@@ -114,7 +114,7 @@ bool set_velocities(ToolMotionOptions const& options, GMathVec3<double> const& v
     }
     GeometryPointCloud cloud(*mesh.get_point_cloud(), true);
     cloud.set_velocities(positions);
-    return put_cloud(cloud, messages, mesh, status);
+    return put_cloud(cloud, messages, mesh);
 }
 
 // `count` times from the first to the last, both included; a single one when they are equal.
@@ -199,14 +199,14 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options) {
 
 bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
                       GMathVec3<double> const& vertical, ToolMessages& messages, ToolMesh& mesh,
-                      std::vector<double>& shutter_times, int& status) {
+                      std::vector<double>& shutter_times) {
     std::vector<double> const times = get_times(options);
     std::vector<double> const shutter = get_shutter(options, times);
     ToolMeshOptions first_options = mesh_options;
     if (!options.frames.empty()) {
         first_options.file = options.frames[0];
     }
-    if (!load_mesh(first_options, messages, mesh, status)) {
+    if (!load_mesh(first_options, messages, mesh)) {
         return false;
     }
     if (options.frames.empty() && !options.has_velocities()) {
@@ -214,9 +214,8 @@ bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions con
     }
     shutter_times =
         make_shutter_times(shutter[0], shutter[1], std::max<std::size_t>(options.frames.size(), 2));
-    return options.frames.empty()
-               ? set_velocities(options, vertical, messages, *mesh.mesh, status)
-               : set_frames(mesh_options, options, times, messages, *mesh.mesh, status);
+    return options.frames.empty() ? set_velocities(options, vertical, messages, *mesh.mesh)
+                                  : set_frames(mesh_options, options, times, messages, *mesh.mesh);
 }
 
 CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {

@@ -30,10 +30,10 @@ void add_motion_options(CLI::App& command, ToolMotionOptions& options);
 
 // Loads the mesh, the first frame if there are frames, and lets it move. `shutter_times` are the
 // evenly spaced times at which it is to be bounded, none when it stands still. False after the
-// reason has been shown and `status` set. `vertical` is the unit axis of spinning.
+// reason has been shown. `vertical` is the unit axis of spinning.
 bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions const& options,
                       GMathVec3<double> const& vertical, ToolMessages& messages, ToolMesh& mesh,
-                      std::vector<double>& shutter_times, int& status);
+                      std::vector<double>& shutter_times);
 
 // The shutter of a picture that is bounded at these times.
 CtxShader make_shader_ctx(std::vector<double> const& shutter_times);

@@ -35,7 +35,7 @@ void ToolImage::set_pixel(unsigned int const& x, unsigned int const& y, ToolColo
     pixel[2] = to_byte(color.z);
 }
 
-bool write_png(ToolImage const& image, std::string const& path, std::string& reason) {
+bool write_png(ToolImage const& image, std::string const& path, ToolMessages& messages) {
     png_image png = {};
     png.version = PNG_IMAGE_VERSION;
     png.width = image.width;
@@ -45,8 +45,8 @@ bool write_png(ToolImage const& image, std::string const& path, std::string& rea
     auto const bytes = std::make_unique_for_overwrite<unsigned char[]>(size);
     if (png_image_write_to_memory(&png, bytes.get(), &size, 0, image.bytes.data(), 0, nullptr) ==
         0) {
-        reason = png.message;
+        messages.fail(png.message);
         return false;
     }
-    return write_file(path, bytes.get(), size, reason);
+    return write_file(path, bytes.get(), size, messages);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tools/qzpoly/terminal/messages.h>
+
 #include <platform/qz_gmath.h>
 
 #include <string>
@@ -27,6 +29,6 @@ struct ToolImage {
     void set_pixel(unsigned int const& x, unsigned int const& y, ToolColor const& color);
 };
 
-// Writes a PNG file: the same bytes for the same picture. False, with the reason, when that fails;
-// a file of that name is then as it was.
-bool write_png(ToolImage const& image, std::string const& path, std::string& reason);
+// Writes a PNG file: the same bytes for the same picture. False after the reason has been shown; a
+// file of that name is then as it was.
+bool write_png(ToolImage const& image, std::string const& path, ToolMessages& messages);

@@ -83,18 +83,23 @@ void ToolMessages::take_message(void* user, unsigned int const& level, CoreStrin
 }
 
 void ToolMessages::warn(std::string_view const& text) {
-    if (std::find(m_warnings.begin(), m_warnings.end(), text) == m_warnings.end()) {
-        m_warnings.emplace_back(text);
-        show("warning", text);
+    bool const is_about_file = m_file.empty() || text.find(m_file) != std::string_view::npos;
+    std::string const whole = is_about_file ? std::string(text) : make_text(m_file, ": ", text);
+    if (std::find(m_warnings.begin(), m_warnings.end(), whole) == m_warnings.end()) {
+        m_warnings.push_back(whole);
+        show("warning", whole);
     }
 }
 
 int ToolMessages::fail(std::string_view const& text) {
-    if (is_interrupted()) {
-        show("qzpoly", "interrupted");
-        return tool_interrupted;
+    if (!is_interrupted()) {
+        show("error", m_reason.empty() ? text : make_text(text, ": ", m_reason));
     }
-    show("error", m_reason.empty() ? text : make_text(text, ": ", m_reason));
     m_reason.clear();
     return tool_failure;
+}
+
+int ToolMessages::tell_interrupt() {
+    show("qzpoly", "interrupted");
+    return tool_interrupted;
 }

@@ -38,11 +38,17 @@ class ToolMessages {
 
     // Shows "warning: ...", a text that was shown before only once.
     void warn(std::string_view const& text);
-    // Shows "error: ..." with the library's reason, if it gave one since the last failure, in its
-    // place or behind it. Returns `tool_failure`, or `tool_interrupted` after an interrupt.
+    // Shows "error: ..." with the library's reason behind it, if it gave one since the last
+    // failure; nothing after an interrupt, which is reason enough. Returns `tool_failure`.
     int fail(std::string_view const& text);
-    // What the library has refused so far is no reason of failures to come.
-    void forget_reason() { m_reason.clear(); }
+    // Shows that there was an interrupt; returns `tool_interrupted`.
+    static int tell_interrupt();
+    // Warnings to come name this file, one of several; what the library has refused so far is no
+    // reason of failures to come.
+    void begin_file(std::string const& file) {
+        m_file = file;
+        m_reason.clear();
+    }
 
     std::vector<std::string> const& get_warnings() const { return m_warnings; }
 
@@ -51,5 +57,6 @@ class ToolMessages {
 
     std::vector<std::string> m_warnings;
     std::string m_reason;
+    std::string m_file;
     unsigned int m_former_level;
 };

@@ -1,5 +1,7 @@
 #include <tools/qzpoly/terminal/output_file.h>
 
+#include <tools/qzpoly/terminal/terminal.h>
+
 #include <platform/qz_sys.h>
 
 #include <unistd.h>
@@ -20,10 +22,8 @@ bool write_whole(fs::path const& path, void const* bytes, std::size_t const& siz
     return is_good;
 }
 
-}  // namespace
-
-bool write_file(std::string const& path, void const* bytes, std::size_t const& size,
-                std::string& reason) {
+bool replace_file(std::string const& path, void const* bytes, std::size_t const& size,
+                  std::string& reason) {
     std::error_code error;
     fs::file_status const old = fs::status(path, error);
     fs::path const target = fs::exists(old) ? fs::canonical(path, error) : fs::path(path);
@@ -37,12 +37,28 @@ bool write_file(std::string const& path, void const* bytes, std::size_t const& s
         if (fs::exists(old)) {
             fs::permissions(part, old.permissions(), error);
         }
-        fs::rename(part, target, error);
-        if (!error) {
-            return true;
+        if (!is_interrupted()) {
+            fs::rename(part, target, error);
+            reason = error ? error.message() : "";
+            if (!error) {
+                return true;
+            }
         }
-        reason = error.message();
     }
     fs::remove(part, error);
     return false;
+}
+
+}  // namespace
+
+bool write_file(std::string const& path, void const* bytes, std::size_t const& size,
+                ToolMessages& messages) {
+    std::string reason;
+    begin_writing();
+    if (is_interrupted() || !replace_file(path, bytes, size, reason)) {
+        messages.fail(
+            make_text("cannot write ", std::string_view(path), ": ", std::string_view(reason)));
+        return false;
+    }
+    return true;
 }

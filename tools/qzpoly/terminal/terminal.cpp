@@ -1,5 +1,7 @@
 #include <tools/qzpoly/terminal/terminal.h>
 
+#include <tools/qzpoly/terminal/messages.h>
+
 #include <unistd.h>
 
 #include <atomic>
@@ -11,13 +13,18 @@
 namespace {
 
 std::atomic<bool> s_is_interrupted{false};
+std::atomic<bool> s_is_writing{false};
 std::atomic<AppProgressBar*> s_current_bar{nullptr};
-bool s_is_line_drawn = false;
+int s_drawn_width = 0;
 
 void handle_interrupt(int) {
     s_is_interrupted.store(true);
     if (AppProgressBar* const bar = s_current_bar.load()) {
         bar->request_stop();
+    } else if (!s_is_writing.load()) {
+        constexpr std::string_view message = "qzpoly: interrupted\n";
+        [[maybe_unused]] ssize_t const count = write(STDERR_FILENO, message.data(), message.size());
+        _exit(tool_interrupted);
     }
 }
 
@@ -29,10 +36,9 @@ void draw(AppProgressBar const& bar) {
         cells[i] = i < filled ? '#' : '.';
     }
     cells[width] = '\0';
-    std::fprintf(stderr, "\r%-10s [%s] %3d %%", bar.get_name().get_data(), cells,
-                 static_cast<int>(bar.get_value() * 100.0));
+    s_drawn_width = std::fprintf(stderr, "\r%-10s [%s] %3d %%", bar.get_name().get_data(), cells,
+                                 static_cast<int>(bar.get_value() * 100.0));
     std::fflush(stderr);
-    s_is_line_drawn = true;
 }
 
 bool report_progress(void* user, AppProgressBar const& bar) {
@@ -63,6 +69,8 @@ void catch_interrupts() {
 
 bool is_interrupted() { return s_is_interrupted.load(std::memory_order_relaxed); }
 
+void begin_writing() { s_is_writing.store(true); }
+
 // https://no-color.org: set to anything but nothing, it turns colors off.
 bool has_colors(std::FILE* stream) {
     char const* const refusal = std::getenv("NO_COLOR");
@@ -72,8 +80,8 @@ bool has_colors(std::FILE* stream) {
 }
 
 void clear_progress_line() {
-    if (s_is_line_drawn) {
-        std::fputs("\r\033[K", stderr);
-        s_is_line_drawn = false;
+    if (s_drawn_width > 0) {
+        std::fprintf(stderr, "\r%*s\r", s_drawn_width - 1, "");
+        s_drawn_width = 0;
     }
 }

@@ -19,9 +19,12 @@ class ToolProgress {
     AppProgressBar m_bar;
 };
 
-// From now on, the first Ctrl-C asks the operation under way to stop; the second one kills.
+// From now on, the first Ctrl-C asks the operation to stop whose progress bar there is, and ends
+// the program where there is none; the second one kills.
 void catch_interrupts();
 bool is_interrupted();
+// From now on, the first Ctrl-C is only noted: the result is being written.
+void begin_writing();
 
 // Whether text on this stream may be coloured: it is a terminal that can, and nobody objects.
 bool has_colors(std::FILE* stream);
