@@ -33,14 +33,14 @@ SUBJECTS = {
 
 HEAD = """# Speed
 
-{machine}, {date}.
+{run}.
 
 `./dev bench` measures this anew anywhere: it installs the libraries to compare with, makes the
 inputs, and checks that the results agree. Both sides take turns in one process, on the same input in
 memory or in the file cache, with the same compiler flags (libraries that are not headers alone are
 as Debian builds them). Times are of the processor, on one thread, unless said otherwise. Measured is
 the other's time over ours, or ours over the other's where the bar is an upper one: the median, and
-the quartiles of either side against each other.
+the quartiles of either side against each other. Where results disagree, no bar is held.
 
 """
 
@@ -58,21 +58,29 @@ def show_time(seconds):
     return f"{show(seconds / 1e-6)} us"
 
 
+def describe(run):
+    kind = ", a short run of smaller inputs" if run.get("short") else ""
+    return f"{run['machine']}, {run['date']}{kind}"
+
+
 def get_rows(run):
-    """Subject, name, against, result, and our time and theirs where it is a time."""
+    """Subject, name, against, result, what became of its bar, and our time and theirs if any."""
     for row in run["rows"]:
         subject, name = row["name"].split("/")
         times = {side["name"]: side["seconds"][1] for side in row.get("sides") or []}
         for result in row.get("results") or []:
             other = times.get(result["against"])
             both = f"{show_time(times['ours'])} / {show_time(other)}" if other else ""
-            yield subject, name, result["against"], result, both
+            verdict = {True: "held", False: "missed", None: ""}[result.get("held")]
+            if verdict and row.get("disagreements"):
+                verdict = "disagrees"
+            yield subject, name, result["against"], result, verdict, both
 
 
 def make_table(run):
     lines = []
     last = None
-    for subject, name, against, result, times in get_rows(run):
+    for subject, name, against, result, verdict, times in get_rows(run):
         if subject != last:
             lines += ["", f"## {SUBJECTS[subject]}", "",
                       "| input | against | measured | quartiles | bar | | ours / theirs |",
@@ -80,9 +88,8 @@ def make_table(run):
             last = subject
         low, median, high = result["value"]
         spread = f"{show(low)} - {show(high)}" if low < high else ""
-        held = {True: "held", False: "missed", None: ""}[result.get("held")]
         lines.append(f"| {name} | {against} | {show(median)} | {spread} | "
-                     f"{result.get('bar', '')} | {held} | {times} |")
+                     f"{result.get('bar', '')} | {verdict} | {times} |")
     return "\n".join(lines[1:]) + "\n"
 
 
@@ -177,22 +184,22 @@ SHORT_ROWS = [
 
 
 def make_short_table(run):
-    results = {(s, n, a): (r, t) for s, n, a, r, t in get_rows(run)}
+    results = {row[:3]: row[3] for row in get_rows(run)}
     lines = ["| work | input | beside | ratio |", "|---|---|---|---|"]
     for key in SHORT_ROWS:
         if key in results:
             subject, name, against = key
             lines.append(f"| {SUBJECTS[subject]} | {name} | {against} | "
-                         f"{show(results[key][0]['value'][1])} |")
-    return (f"{run['machine']}, {run['date']}; times of the others over ours, and our share of "
-            "memory.\n\n" + "\n".join(lines) + "\n")
+                         f"{show(results[key]['value'][1])} |")
+    head = f"{describe(run)};\ntimes of the others over ours, and our share of memory.\n\n"
+    return head + "\n".join(lines) + "\n"
 
 
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
     run = json.loads(pathlib.Path(sys.argv[1]).read_text())
-    head = HEAD.format(**run)
+    head = HEAD.format(run=describe(run))
     curves = get_curves(run)
     picture = "\n![Time over size](images/growth.svg)\n" if curves else ""
     (ROOT / "docs/speed.md").write_text(head + make_table(run) + picture)
