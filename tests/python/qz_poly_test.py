@@ -178,9 +178,9 @@ class MeshTest(unittest.TestCase):
         self.assertTrue(any("nan" in line.lower() or "finite" in line for line in mesh.warnings),
                         mesh.warnings)
 
-    def test_stubs_name_what_is_there(self):
-        stub = ast.parse((ROOT / "python/qz_poly/_native.pyi").read_text())
-        mesh = next(node for node in stub.body if isinstance(node, ast.ClassDef))
+    def test_declarations_name_what_is_there(self):
+        declarations = ast.parse((ROOT / "python/qz_poly/_native.pyi").read_text())
+        mesh = next(node for node in declarations.body if isinstance(node, ast.ClassDef))
         named = {node.name for node in mesh.body if isinstance(node, ast.FunctionDef)}
         present = {name for name in vars(Mesh) if not name.startswith("_")} | {"__init__"}
         self.assertEqual(named, present)
