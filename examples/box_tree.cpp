@@ -59,8 +59,9 @@ void intersect(Node const& node, PolyMesh const& mesh, GeometryRaytraceCtx& rays
 
 int main(int count, char** arguments) {
     PolyMesh mesh;
-    if (count != 2 || !mesh.import_from_file(arguments[1], "", 0, nullptr, nullptr)) {
-        return 1;
+    AppProgressBar building("building");  // without it, 4-gons that are not convex stay quads
+    if (count != 2 || !mesh.import_from_file(arguments[1], "", 0, nullptr, &building)) {
+        return 1;  // the log has told the reason on stderr
     }
     Vec const low = mesh.get_bbox().minimum, high = mesh.get_bbox().maximum;
     double const size = gmath_length(high - low), margin = 1e-6 * (size + gmath_length(low));
@@ -83,6 +84,7 @@ int main(int count, char** arguments) {
                                 {0, 0, -1});
         GeometryHit hit;
         GeometryRaytraceCtx rays(&ray, &hit, 1);
+        rays.test_mode = GeometryRaytraceCtx::TEST_EXACT;  // no ray slips between neighbours
         intersect(*root, mesh, rays, hit);
         GeometryFragment fragment;
         fragment.primitive_index = hit.primitive_index;

@@ -22,6 +22,9 @@ import tempfile
 # Commands that something else runs, and what shows that it does.
 RUN_ELSEWHERE = {
     "cmake --install": ("tests/package/check.sh", "cmake --install"),
+    "cmake -S examples": ("tests/package/check.sh", 'cmake -S "$root/examples"'),
+    "cmake --build build/examples": ("tests/package/check.sh", 'ninja -C "$folder/examples"'),
+    "pip install": ("dev", 'bin/pip" install'),
     "./dev build": ("dev", 'build "$1"'),
     "./dev bench": ("dev", "dev_bench()"),
     "./dev nightly": ("dev", "dev_nightly()"),
@@ -87,8 +90,8 @@ class Documents:
             if is_drawn and "--size" not in words:
                 words += ["--size", "32", "24"]
             self.call(name, [self.program, *words], folder)
-        elif "python3" in words:
-            self.run_python(name, words[words.index("python3") + 1:] + ["--size", "32"], folder)
+        elif words[0] == "build/python/venv/bin/python":
+            self.run_python(name, words[1:] + ["--size", "32"], folder)
         else:
             for known, (file, proof) in RUN_ELSEWHERE.items():
                 if command.startswith(known):
