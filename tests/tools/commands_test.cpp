@@ -178,7 +178,8 @@ TEST(Commands, ConvertKeepsTheMesh) {
     std::vector<Row> const rows = {
         {"plain", make_block(0.1), ""},
         {"everything", make_block(1.0 / 3) + tail, ""},
-        {"colors", "v 0 0 0 1 0.5 0\nv 1e-45 inf nan 0 0 0 0.25\nv 3 4 5\nf 1 2 3\n", ""},
+        {"colors", "v 0 0 0 1 0.5 0\nv 1e-45 inf nan 0 0 0 0.25\nv nan 4 5\nf 1 2 3\n",
+         "vertex 1 is not valid: (1e-45, inf, nan), and 1 more\n"},
         {"what has no place", "o a\ng b\ns 1\n" + make_block(0) + "l 1 2\n",
          "1 of g, 1 of l, 1 of o, 1 of s"},
         {"LightWave",

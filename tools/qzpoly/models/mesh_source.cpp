@@ -109,7 +109,9 @@ void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
 }  // namespace
 
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
-    std::string const meaning = "Wavefront OBJ file, LightWave object, or byte block of `pack`";
+    std::string const meaning =
+        make_text("Wavefront OBJ file, LightWave object, or byte block of `pack`",
+                  need == ToolFileNeed::REQUIRED ? "" : " [the project's rocket]");
     CLI::Option* const file = need == ToolFileNeed::SEVERAL
                                   ? command.add_option("FILE", options.files, meaning)
                                   : command.add_option("FILE", options.file, meaning);
@@ -150,6 +152,7 @@ bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh&
         return false;
     }
     show_import_warnings(*mesh.mesh, messages);
+    messages.warn_of_refusals();  // points that are no numbers
     mesh.seconds = watch.get_seconds();
     return true;
 }

@@ -77,8 +77,9 @@ void ToolMessages::take_message(void* user, unsigned int const& level, CoreStrin
     if (level == warning_level) {
         messages.warn(text);
     } else if (level <= refusal_level) {
-        messages.m_reason += messages.m_reason.empty() ? "" : "; ";
-        messages.m_reason += text;
+        if (messages.m_refusal_count++ == 0) {
+            messages.m_reason = text;
+        }
     }
 }
 
@@ -95,11 +96,29 @@ int ToolMessages::fail(std::string_view const& text) {
     if (!is_interrupted()) {
         show("error", m_reason.empty() ? text : make_text(text, ": ", m_reason));
     }
-    m_reason.clear();
+    forget_reason();
     return tool_failure;
 }
 
 int ToolMessages::tell_interrupt() {
     show("qzpoly", "interrupted");
     return tool_interrupted;
+}
+
+void ToolMessages::begin_file(std::string const& file) {
+    m_file = file;
+    forget_reason();
+}
+
+void ToolMessages::warn_of_refusals() {
+    if (m_refusal_count > 0) {
+        warn(m_refusal_count == 1 ? m_reason
+                                  : make_text(m_reason, ", and ", m_refusal_count - 1, " more"));
+        forget_reason();
+    }
+}
+
+void ToolMessages::forget_reason() {
+    m_reason.clear();
+    m_refusal_count = 0;
 }

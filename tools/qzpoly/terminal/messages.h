@@ -26,8 +26,7 @@ std::string make_text(Parts const&... parts) {
 std::string make_printable(std::string_view const& text);
 
 // What the library says while this object lives, and what the program says on stderr. The library's
-// warnings are shown at once; the reasons of its refusals are kept until somebody reports a
-// failure.
+// warnings are shown at once; the reason of its refusals is kept until somebody reports a failure.
 class ToolMessages {
   public:
     // Takes the main log handler over, and gives it back at the end.
@@ -39,24 +38,26 @@ class ToolMessages {
     // Shows "warning: ...", a text that was shown before only once.
     void warn(std::string_view const& text);
     // Shows "error: ..." with the library's reason behind it, if it gave one since the last
-    // failure; nothing after an interrupt, which is reason enough. Returns `tool_failure`.
+    // failure: the first, since others follow from it; nothing after an interrupt, which is reason
+    // enough. Returns `tool_failure`.
     int fail(std::string_view const& text);
     // Shows that there was an interrupt; returns `tool_interrupted`.
     static int tell_interrupt();
+    // Shows as a warning what the library has refused in work that it has done all the same.
+    void warn_of_refusals();
     // Warnings to come name this file, one of several; what the library has refused so far is no
     // reason of failures to come.
-    void begin_file(std::string const& file) {
-        m_file = file;
-        m_reason.clear();
-    }
+    void begin_file(std::string const& file);
 
     std::vector<std::string> const& get_warnings() const { return m_warnings; }
 
   private:
+    void forget_reason();
     static void take_message(void* user, unsigned int const& level, CoreString const& message);
 
     std::vector<std::string> m_warnings;
     std::string m_reason;
     std::string m_file;
+    unsigned int m_refusal_count = 0;
     unsigned int m_former_level;
 };
