@@ -4,8 +4,8 @@
 
 #include <platform/qz_gmath/gmath_basic_ray.h>
 #include <platform/qz_gmath/gmath_bbox3.h>
-#include <platform/qz_gmath/gmath_float_lanes.h>
 #include <platform/qz_gmath/gmath_half_float_converter.h>
+#include <platform/qz_gmath/gmath_lanes.h>
 #include <platform/qz_gmath/gmath_matrix.h>
 #include <platform/qz_gmath/gmath_scalar.h>
 #include <platform/qz_gmath/gmath_short_normal.h>

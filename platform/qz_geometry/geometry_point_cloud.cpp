@@ -26,21 +26,14 @@ float decode_parameter(unsigned short const& code) { return static_cast<float>(c
 
 // The same of four normals side by side, each rounded as alone.
 void encode_four_units(GMathVec3<float> const* normals, GMathShortNormal* out) {
-    using Lanes = GMathFloatLanes;
-    GMathVec3<float> const* const n = normals;
-    Lanes const x(n[0].x, n[1].x, n[2].x, n[3].x);
-    Lanes const y(n[0].y, n[1].y, n[2].y, n[3].y);
-    Lanes const z(n[0].z, n[1].z, n[2].z, n[3].z);
-    Lanes const length = ((x * x + y * y) + z * z).get_root();
-    auto const is_long = length > Lanes(0.0f);
-    Lanes const scale = Lanes(1.0f) / length;
+    GMathVec3<GMathFloatLanes> const n =
+        gmath_lanes(normals[0], normals[1], normals[2], normals[3]);
+    GMathFloatLanes const length = gmath_root(gmath_dot(n, n));
+    GMathVec3<GMathFloatLanes> const unit = gmath_keep(length > 0.0f, n * (1.0f / length));
     unsigned int halves[3][4];
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(is_long.keep(x * scale),
-                                                                 halves[0]);
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(is_long.keep(y * scale),
-                                                                 halves[1]);
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(is_long.keep(z * scale),
-                                                                 halves[2]);
+    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.x, halves[0]);
+    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.y, halves[1]);
+    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.z, halves[2]);
     for (unsigned int k = 0; k < 4; ++k) {
         out[k] = {static_cast<unsigned short>(halves[0][k]),
                   static_cast<unsigned short>(halves[1][k]),

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <platform/qz_gmath/export.h>
-#include <platform/qz_gmath/gmath_float_lanes.h>
+#include <platform/qz_gmath/gmath_lanes.h>
 
 // Conversions between floats and 16-bit forms.
 //
@@ -34,25 +34,14 @@ class QZ_GMATH_EXPORT GMathHalfFloatConverter {
     // The same of four floats.
     static void convert_floats_to_normalized_halves(GMathFloatLanes const& values,
                                                     unsigned int (&halves)[4]) {
-#if QZ_GMATH_HAS_SSE2
-        __m128 const scaled = _mm_mul_ps(values.get_absolute().get_lanes(), _mm_set1_ps(32767.0f));
-        __m128 const clamped = _mm_min_ps(scaled, _mm_set1_ps(32767.0f));
-        __m128i const whole = _mm_cvttps_epi32(clamped);
-        __m128 const rest = _mm_sub_ps(clamped, _mm_cvtepi32_ps(whole));
-        __m128 const is_upper = _mm_cmpge_ps(rest, _mm_set1_ps(0.5f));  // all bits: -1
-        __m128i const magnitude = _mm_sub_epi32(whole, _mm_castps_si128(is_upper));
-        __m128i const sign = _mm_and_si128(_mm_srli_epi32(_mm_castps_si128(values.get_lanes()), 16),
-                                           _mm_set1_epi32(0x8000));
-        __m128i const is_number = _mm_castps_si128(_mm_cmpord_ps(scaled, scaled));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(halves),
-                         _mm_and_si128(_mm_or_si128(magnitude, sign), is_number));
-#else
-        float lanes[4];
-        values.store(lanes);
-        for (unsigned int k = 0; k < 4; ++k) {
-            halves[k] = convert_float_to_normalized_half(lanes[k]);
-        }
-#endif
+        GMathFloatLanes const scaled = gmath_absolute(values) * 32767.0f;
+        GMathFloatLanes const clamped = gmath_lesser(scaled, gmath_spread(32767.0f));
+        GMathIntLanes const whole = __builtin_convertvector(clamped, GMathIntLanes);
+        GMathFloatLanes const rest = clamped - __builtin_convertvector(whole, GMathFloatLanes);
+        GMathIntLanes const magnitude = whole - (rest >= 0.5f);  // which is -1 where it holds
+        GMathIntLanes const sign = ((GMathIntLanes)values >> 16) & 0x8000;
+        GMathIntLanes const result = (magnitude | sign) & (scaled >= 0.0f);  // not a NaN
+        std::memcpy(halves, &result, sizeof result);
     }
     static float convert_normalized_half_to_float(unsigned short const& bits) {
         float const magnitude = static_cast<float>(bits & 0x7FFFu) / 32767.0f;

@@ -141,22 +141,21 @@ class NormalMapStore {
 
     // Encodes four values side by side, for a value's neighbours are mostly asked for next.
     void encode_four(unsigned int const& first) {
-        using Lanes = GMathFloatLanes;
-        GMathVec3<float> n[4];
+        GMathVec3<float> values[4];
         for (unsigned int k = 0; k < 4; ++k) {
-            n[k] = m_map.values[std::min(first + k, m_map.values.get_count() - 1)];
+            values[k] = m_map.values[std::min(first + k, m_map.values.get_count() - 1)];
         }
-        Lanes const x(n[0].x, n[1].x, n[2].x, n[3].x);
-        Lanes const y(n[0].y, n[1].y, n[2].y, n[3].y);
-        Lanes const z(n[0].z, n[1].z, n[2].z, n[3].z);
-        Lanes const length = ((x * x + y * y) + z * z).get_root();
+        GMathVec3<GMathFloatLanes> const n =
+            gmath_lanes(values[0], values[1], values[2], values[3]);
+        GMathFloatLanes const length = gmath_root(gmath_dot(n, n));
         // One that floats cannot hold, NaN included, tells no direction.
-        m_directed = (length > Lanes(0.0f)).get_bits() &
-                     (Lanes(std::numeric_limits<float>::max()) >= length).get_bits();
+        m_directed =
+            gmath_get_bits((length > 0.0f) & (length <= std::numeric_limits<float>::max()));
+        GMathVec3<GMathFloatLanes> const unit = n / length;
         unsigned int halves[3][4];
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(x / length, halves[0]);
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(y / length, halves[1]);
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(z / length, halves[2]);
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.x, halves[0]);
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.y, halves[1]);
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.z, halves[2]);
         for (unsigned int k = 0; k < 4; ++k) {
             m_codes[k] = {static_cast<unsigned short>(halves[0][k]),
                           static_cast<unsigned short>(halves[1][k]),

@@ -17,7 +17,7 @@ class BoxLanes {
 
   public:
     explicit BoxLanes(GMathBbox3<float> const& box)
-        : m_low(load(box.minimum)), m_high(load(box.maximum)) {}
+        : m_low(gmath_lanes(box.minimum)), m_high(gmath_lanes(box.maximum)) {}
 
     // Holds points `begin` to `end`, but stops at the first one that is not finite. Returns where.
     unsigned int extend_while_finite(GMathVec3<float> const* points, unsigned int const& begin,
@@ -39,8 +39,8 @@ class BoxLanes {
         if (are_all_finite) {
             for (unsigned int corner = begin; corner < end; ++corner) {
                 Lanes const point = load(points[vertices[corner]]);
-                low = point.get_less(low);
-                high = point.get_greater(high);
+                low = gmath_lesser(point, low);
+                high = gmath_greater(point, high);
             }
         } else {
             for (unsigned int corner = begin; corner < end; ++corner) {
@@ -51,27 +51,22 @@ class BoxLanes {
         m_high = high;
     }
     GMathBbox3<float> get_box() const {
-        float low[4];
-        float high[4];
-        m_low.store(low);
-        m_high.store(high);
-        return {{low[0], low[1], low[2]}, {high[0], high[1], high[2]}};
+        return {gmath_vec3<float>(m_low), gmath_vec3<float>(m_high)};
     }
 
   private:
     // False, and nothing else, for a point that is not finite.
     static bool extend(GMathVec3<float> const& p, Lanes& low, Lanes& high) {
         Lanes const point = load(p);
-        auto const is_finite = Lanes(std::numeric_limits<float>::max()) >= point.get_absolute();
-        if (is_finite.get_bits() != 0xF) {
+        if (gmath_get_bits(gmath_absolute(point) <= std::numeric_limits<float>::max()) != 0xF) {
             return false;
         }
-        low = point.get_less(low);
-        high = point.get_greater(high);
+        low = gmath_lesser(point, low);
+        high = gmath_greater(point, high);
         return true;
     }
 
-    static Lanes load(GMathVec3<float> const& p) { return Lanes::load_three(&p.x); }
+    static Lanes load(GMathVec3<float> const& p) { return gmath_load_three(&p.x); }
 
     Lanes m_low;
     Lanes m_high;

@@ -11,61 +11,46 @@ namespace {
 constexpr unsigned int batch_size = TriangleNormals::count;
 
 using Lanes = GMathFloatLanes;
+using VectorLanes = GMathVec3<Lanes>;  // a vector in each lane
+using DoubleLanes = double __attribute__((vector_size(32)));
 
-// A vector in each lane.
-struct VectorLanes {
-    Lanes x;
-    Lanes y;
-    Lanes z;
+// Divided by its length; zero unless that is above 0, so a NaN length gives zero as well.
+VectorLanes get_unit(VectorLanes const& v, Lanes const& length) {
+    return gmath_keep(length > 0.0f, v / length);
+}
+VectorLanes get_unit(VectorLanes const& v) { return get_unit(v, gmath_root(gmath_dot(v, v))); }
 
-    VectorLanes operator-(VectorLanes const& b) const { return {x - b.x, y - b.y, z - b.z}; }
-    VectorLanes operator/(Lanes const& b) const { return {x / b, y / b, z / b}; }
-    Lanes dot(VectorLanes const& b) const { return (x * b.x + y * b.y) + z * b.z; }
-    VectorLanes cross(VectorLanes const& b) const {
-        return {y * b.z - z * b.y, z * b.x - x * b.z, x * b.y - y * b.x};
-    }
-    Lanes get_length() const { return dot(*this).get_root(); }
-    // Divided by its length; zero unless that is above 0, so a NaN length gives zero as well.
-    VectorLanes get_unit(Lanes const& length) const {
-        auto const is_long = length > Lanes(0.0f);
-        VectorLanes const unit = *this / length;
-        return {is_long.keep(unit.x), is_long.keep(unit.y), is_long.keep(unit.z)};
-    }
-    VectorLanes get_unit() const { return get_unit(get_length()); }
-
-    // Lane k with the fourth component goes to row k.
-    void store(Lanes const& fourth, float (*rows)[4]) const {
-        Lanes row[4] = {x, y, z, fourth};
-        Lanes::transpose(row[0], row[1], row[2], row[3]);
-        for (unsigned int k = 0; k < 4; ++k) {
-            row[k].store(rows[k]);
-        }
-    }
-};
+// Lane k with the fourth component goes to row k.
+void store(VectorLanes const& v, Lanes const& fourth, float (*rows)[4]) {
+    Lanes const xy01 = __builtin_shufflevector(v.x, v.y, 0, 4, 1, 5);
+    Lanes const xy23 = __builtin_shufflevector(v.x, v.y, 2, 6, 3, 7);
+    Lanes const zw01 = __builtin_shufflevector(v.z, fourth, 0, 4, 1, 5);
+    Lanes const zw23 = __builtin_shufflevector(v.z, fourth, 2, 6, 3, 7);
+    gmath_store(__builtin_shufflevector(xy01, zw01, 0, 1, 4, 5), rows[0]);
+    gmath_store(__builtin_shufflevector(xy01, zw01, 2, 3, 6, 7), rows[1]);
+    gmath_store(__builtin_shufflevector(xy23, zw23, 0, 1, 4, 5), rows[2]);
+    gmath_store(__builtin_shufflevector(xy23, zw23, 2, 3, 6, 7), rows[3]);
+}
 
 VectorLanes load(GMathVec3<float> const* positions, unsigned int const* vertices) {
-    GMathVec3<float> const& p0 = positions[vertices[0]];
-    GMathVec3<float> const& p1 = positions[vertices[1]];
-    GMathVec3<float> const& p2 = positions[vertices[2]];
-    GMathVec3<float> const& p3 = positions[vertices[3]];
-    return {Lanes(p0.x, p1.x, p2.x, p3.x), Lanes(p0.y, p1.y, p2.y, p3.y),
-            Lanes(p0.z, p1.z, p2.z, p3.z)};
+    return gmath_lanes(positions[vertices[0]], positions[vertices[1]], positions[vertices[2]],
+                       positions[vertices[3]]);
 }
 
 void store_weighted(VectorLanes const& normal, Lanes const& cosine, float (*rows)[4]) {
-    GMathDoubleLanes const weight = GMathDoubleLanes(cosine) + 1.0;
-    VectorLanes const weighted = {(GMathDoubleLanes(normal.x) * weight).get_floats(),
-                                  (GMathDoubleLanes(normal.y) * weight).get_floats(),
-                                  (GMathDoubleLanes(normal.z) * weight).get_floats()};
-    weighted.store(Lanes(0.0f), rows);
+    DoubleLanes const weight = __builtin_convertvector(cosine, DoubleLanes) + 1.0;
+    auto const multiply = [&](Lanes const& component) {
+        return __builtin_convertvector(__builtin_convertvector(component, DoubleLanes) * weight,
+                                       Lanes);
+    };
+    store({multiply(normal.x), multiply(normal.y), multiply(normal.z)}, gmath_spread(0.0f), rows);
 }
 
 void store_areas(VectorLanes const& normal, Lanes const& length, float (*rows)[4]) {
-    auto const is_finite = Lanes(std::numeric_limits<float>::max()) >= length;
-    VectorLanes const parts = {is_finite.keep(normal.x.get_absolute()),
-                               is_finite.keep(normal.y.get_absolute()),
-                               is_finite.keep(normal.z.get_absolute())};
-    parts.store(is_finite.keep(length), rows);
+    GMathIntLanes const is_finite = length <= std::numeric_limits<float>::max();
+    store(gmath_keep(is_finite, {gmath_absolute(normal.x), gmath_absolute(normal.y),
+                                 gmath_absolute(normal.z)}),
+          gmath_keep(is_finite, length), rows);
 }
 
 void compute_four(VectorLanes const& a, VectorLanes const& b, VectorLanes const& c,
@@ -73,16 +58,16 @@ void compute_four(VectorLanes const& a, VectorLanes const& b, VectorLanes const&
     VectorLanes const edge_ab = b - a;
     VectorLanes const edge_bc = c - b;
     VectorLanes const edge_ca = a - c;
-    VectorLanes const normal = edge_ca.cross(edge_ab);
-    Lanes const length = normal.get_length();
+    VectorLanes const normal = gmath_cross(edge_ca, edge_ab);
+    Lanes const length = gmath_root(gmath_dot(normal, normal));
     store_areas(normal, length, out.areas + first);
-    VectorLanes const unit_ab = edge_ab.get_unit();
-    VectorLanes const unit_bc = edge_bc.get_unit();
-    VectorLanes const unit_ca = edge_ca.get_unit();
-    VectorLanes const unit = normal.get_unit(length);
-    store_weighted(unit, unit_ca.dot(unit_ab), out.weighted[0] + first);
-    store_weighted(unit, unit_ab.dot(unit_bc), out.weighted[1] + first);
-    store_weighted(unit, unit_bc.dot(unit_ca), out.weighted[2] + first);
+    VectorLanes const unit_ab = get_unit(edge_ab);
+    VectorLanes const unit_bc = get_unit(edge_bc);
+    VectorLanes const unit_ca = get_unit(edge_ca);
+    VectorLanes const unit = get_unit(normal, length);
+    store_weighted(unit, gmath_dot(unit_ca, unit_ab), out.weighted[0] + first);
+    store_weighted(unit, gmath_dot(unit_ab, unit_bc), out.weighted[1] + first);
+    store_weighted(unit, gmath_dot(unit_bc, unit_ca), out.weighted[2] + first);
 }
 
 #if defined(__x86_64__)

@@ -10,7 +10,6 @@
 namespace {
 
 using Vec3 = GMathVec3<float>;
-using Lanes = GMathFloatLanes;
 
 // Takes triangles one by one and works on eight at a time: roots and quotients are as exact side by
 // side as alone, and what is summed up is summed in the order in which the triangles came.
@@ -50,11 +49,11 @@ class NormalSummer {
         unsigned int const count = m_count;
         Vec3* const sums = m_sums;  // not to be read again after each write
         for (unsigned int k = 0; k < count; ++k) {
-            Lanes(normals.weighted[0][k]).add_to(&sums[m_corners[0][k]].x);
-            Lanes(normals.weighted[1][k]).add_to(&sums[m_corners[1][k]].x);
-            Lanes(normals.weighted[2][k]).add_to(&sums[m_corners[2][k]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[0][k]), &sums[m_corners[0][k]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[1][k]), &sums[m_corners[1][k]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[2][k]), &sums[m_corners[2][k]].x);
         }
-        Lanes sum = m_group_sum;
+        GMathFloatLanes sum = m_group_sum;
         for (unsigned int k = 0; k < count; ++k) {
             if (m_groups[k] != m_group) {
                 m_group_sum = sum;
@@ -62,7 +61,7 @@ class NormalSummer {
                 sum = m_group_sum;
             }
             // One whose length is not finite adds zeros, which change nothing: no sum is below +0.
-            sum = sum + Lanes(normals.areas[k]);
+            sum += gmath_lanes(normals.areas[k]);
         }
         m_group_sum = sum;
         m_count = 0;
@@ -71,11 +70,11 @@ class NormalSummer {
     // The sum of the group at hand is kept aside until another one's turn comes.
     void change_group(PolyMeshNormalSum* group) {
         if (m_group) {
-            m_group_sum.store(&m_group->x);
+            gmath_store(m_group_sum, &m_group->x);
         }
         m_group = group;
         if (m_group) {
-            m_group_sum = Lanes(&m_group->x);
+            m_group_sum = gmath_lanes(&m_group->x);
         }
     }
 
@@ -86,7 +85,7 @@ class NormalSummer {
     unsigned int m_corners[3][TriangleNormals::count];
     PolyMeshNormalSum* m_groups[TriangleNormals::count];
     PolyMeshNormalSum* m_group = nullptr;
-    Lanes m_group_sum{0.0f};
+    GMathFloatLanes m_group_sum = {};
 };
 
 // The sums of the groups of primitives, to be asked for in order. Eight are looked up at once: in

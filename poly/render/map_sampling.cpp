@@ -5,12 +5,12 @@
 namespace {
 
 // The channels of a corner's color, black and clear without one.
-VecLanes get_channels(PolyMeshColorMap const& map, unsigned int const& value) {
+GMathFloatLanes get_channels(PolyMeshColorMap const& map, unsigned int const& value) {
     constexpr float channel_unit = 0.003921569f;  // 1/255
     if (value >= map.values.get_count()) {
-        return VecLanes{};
+        return GMathFloatLanes{};
     }
-    return make_lanes(map.values[value]) * channel_unit;
+    return gmath_lanes(map.values[value]) * channel_unit;
 }
 
 }  // namespace
@@ -24,12 +24,12 @@ void PolyMesh::compute_fragment_uvw(CtxEval const&, GeometryFragment const& frag
         compute_sampling_weights(place.is_quad(), fragment.s, fragment.t);
     IndexTriple const values = look_up(
         *uv_map.polygon_indices, get_surface_corner_ids(*m_topology, place, *weights.triangle));
-    VecLanes const x0 = make_lanes(uv_map.values.get(values.a));
-    VecLanes const x1 = make_lanes(uv_map.values.get(values.b));
-    VecLanes const x2 = make_lanes(uv_map.values.get(values.c));
-    uvw = get_vec3<double>(weights.interpolate(x0, x1, x2));
-    uvw_ds = get_vec3<double>(weights.derive_by_s(x0, x1, x2));
-    uvw_dt = get_vec3<double>(weights.derive_by_t(x0, x1, x2));
+    GMathFloatLanes const x0 = gmath_lanes(uv_map.values.get(values.a));
+    GMathFloatLanes const x1 = gmath_lanes(uv_map.values.get(values.b));
+    GMathFloatLanes const x2 = gmath_lanes(uv_map.values.get(values.c));
+    uvw = gmath_vec3<double>(weights.interpolate(x0, x1, x2));
+    uvw_ds = gmath_vec3<double>(weights.derive_by_s(x0, x1, x2));
+    uvw_dt = gmath_vec3<double>(weights.derive_by_t(x0, x1, x2));
 }
 
 void PolyMesh::compute_edge_uvw(CtxEval const&, unsigned int const& primitive,
@@ -56,7 +56,7 @@ void PolyMesh::compute_fragment_color(CtxEval const&, GeometryFragment const& fr
         compute_sampling_weights(place.is_quad(), fragment.s, fragment.t);
     IndexTriple const values = look_up(
         *color_map.polygon_indices, get_surface_corner_ids(*m_topology, place, *weights.triangle));
-    VecLanes const x =
+    GMathFloatLanes const x =
         weights.interpolate(get_channels(color_map, values.a), get_channels(color_map, values.b),
                             get_channels(color_map, values.c));
     color = {x[0], x[1], x[2], x[3]};

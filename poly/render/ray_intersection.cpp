@@ -24,8 +24,9 @@ inline RayLanes load_rays(GeometryRaytraceCtx const& rays, unsigned int const& r
     };
     GMathBasicRay const &a = get(0), &b = get(1), &c = get(2), &d = get(3);
     auto const narrow = [&](auto const& get_component) {
-        return VecLanes{static_cast<float>(get_component(a)), static_cast<float>(get_component(b)),
-                        static_cast<float>(get_component(c)), static_cast<float>(get_component(d))};
+        return GMathFloatLanes{
+            static_cast<float>(get_component(a)), static_cast<float>(get_component(b)),
+            static_cast<float>(get_component(c)), static_cast<float>(get_component(d))};
     };
     return {{narrow([](GMathBasicRay const& r) { return r.get_origin().x; }),
              narrow([](GMathBasicRay const& r) { return r.get_origin().y; }),

@@ -9,26 +9,26 @@ namespace {
 // The positions of vertices: from an array, or a blend of arrays.
 template <typename Positions>
 void load_positions(Positions const& source, IndexTriple const& vertices,
-                    VecLanes (&positions)[3]) {
-    positions[0] = make_lanes(source[vertices.a]);
-    positions[1] = make_lanes(source[vertices.b]);
-    positions[2] = make_lanes(source[vertices.c]);
+                    GMathFloatLanes (&positions)[3]) {
+    positions[0] = gmath_lanes(source[vertices.a]);
+    positions[1] = gmath_lanes(source[vertices.b]);
+    positions[2] = gmath_lanes(source[vertices.c]);
 }
 
 // The same at a time at which the mesh is in motion.
 void load_moving_positions(CtxEval const& ctx, GeometryPointCloudData const& data,
                            double const& time, IndexTriple const& vertices,
-                           VecLanes (&positions)[3]) {
+                           GMathFloatLanes (&positions)[3]) {
     GeometryPositionArray blend;
     compute_position_blend(data, time, get_shutter_sampling(ctx), blend);
     load_positions(blend, vertices, positions);
 }
 
 // `p` dropped onto the plane through `corner` at a right angle to `normal`.
-VecLanes project_on_tangent_plane(VecLanes const& p, VecLanes const& corner,
-                                  VecLanes const& normal) {
-    float const square = get_dot(normal, normal);
-    return square == 0.0f ? p : p + normal * (get_dot(normal, corner - p) / square);
+GMathFloatLanes project_on_tangent_plane(GMathFloatLanes const& p, GMathFloatLanes const& corner,
+                                         GMathFloatLanes const& normal) {
+    float const square = gmath_dot(normal, normal);
+    return square == 0.0f ? p : p + normal * (gmath_dot(normal, corner - p) / square);
 }
 
 }  // namespace
@@ -50,24 +50,25 @@ SurfacePlace fetch_surface_place(CtxEval const& ctx, PolyMeshTopology const& top
     return place;
 }
 
-void fill_surface_sample(SurfacePlace const& place, VecLanes const (&normals)[3],
+void fill_surface_sample(SurfacePlace const& place, GMathFloatLanes const (&normals)[3],
                          GeometrySample& sample) {
     SurfaceWeights const& weights = place.weights;
     auto const& [x0, x1, x2] = place.positions;
     auto const& [n0, n1, n2] = normals;
     constexpr GMathVec3<float> zero(0, 0, 0);
-    VecLanes const position = weights.interpolate(x0, x1, x2);
-    sample.init_surface(get_vec3<float>(position), get_vec3<float>(weights.derive_by_s(x0, x1, x2)),
-                        get_vec3<float>(weights.derive_by_t(x0, x1, x2)), zero, zero);
+    GMathFloatLanes const position = weights.interpolate(x0, x1, x2);
+    sample.init_surface(gmath_vec3<float>(position),
+                        gmath_vec3<float>(weights.derive_by_s(x0, x1, x2)),
+                        gmath_vec3<float>(weights.derive_by_t(x0, x1, x2)), zero, zero);
 
-    VecLanes const smooth_position = weights.interpolate(
+    GMathFloatLanes const smooth_position = weights.interpolate(
         project_on_tangent_plane(position, x0, n0), project_on_tangent_plane(position, x1, n1),
         project_on_tangent_plane(position, x2, n2));
     // The normal stays unnormalised: between opposite ones, it is zero.
-    sample.set_smoothing(get_vec3<float>(smooth_position),
-                         get_vec3<float>(weights.interpolate(n0, n1, n2)),
-                         get_vec3<float>(weights.derive_by_s(n0, n1, n2)),
-                         get_vec3<float>(weights.derive_by_t(n0, n1, n2)));
+    sample.set_smoothing(gmath_vec3<float>(smooth_position),
+                         gmath_vec3<float>(weights.interpolate(n0, n1, n2)),
+                         gmath_vec3<float>(weights.derive_by_s(n0, n1, n2)),
+                         gmath_vec3<float>(weights.derive_by_t(n0, n1, n2)));
 }
 
 void add_surface_motion(CtxEval const& ctx, GeometryPointCloudData const& data,
@@ -78,10 +79,10 @@ void add_surface_motion(CtxEval const& ctx, GeometryPointCloudData const& data,
     }
     // A time that counted as zero adds nothing to the step.
     double const time = place.is_at_rest ? fragment.time_step : fragment.time + fragment.time_step;
-    VecLanes positions[3];
+    GMathFloatLanes positions[3];
     load_moving_positions(ctx, data, time, place.vertices, positions);
     sample.set_geometric_position_dt(
-        get_vec3<float>(place.weights.interpolate(positions[0], positions[1], positions[2])));
+        gmath_vec3<float>(place.weights.interpolate(positions[0], positions[1], positions[2])));
 }
 
 void compute_point_sample(CtxEval const& ctx, GeometryPointCloudData const& data,
@@ -109,7 +110,7 @@ void PolyMesh::compute_fragment_sample(CtxEval const& ctx, GeometryFragment cons
     GeometryPointCloudData const& data = m_point_cloud.get_data();
     compute_mesh_sample(
         ctx, *m_topology, data, fragment,
-        [&](SurfacePlace const& place, VecLanes(&normals)[3]) {
+        [&](SurfacePlace const& place, GMathFloatLanes(&normals)[3]) {
             normals[0] = decode_normal(data.normals[place.vertices.a]);
             normals[1] = decode_normal(data.normals[place.vertices.b]);
             normals[2] = decode_normal(data.normals[place.vertices.c]);

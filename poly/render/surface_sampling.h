@@ -1,7 +1,6 @@
 #pragma once
 
 #include <poly/render/surface_weights.h>
-#include <poly/render/vec_lanes.h>
 
 #include <platform/qz_ctx.h>
 #include <platform/qz_geometry.h>
@@ -14,8 +13,8 @@ struct SurfacePlace {
     SurfaceWeights weights;
     IndexTriple corner_ids;
     IndexTriple vertices;
-    bool is_at_rest;        // these are the rest positions
-    VecLanes positions[3];  // at the fragment's time
+    bool is_at_rest;               // these are the rest positions
+    GMathFloatLanes positions[3];  // at the fragment's time
 };
 
 // The fragment's primitive index must be below the primitive count.
@@ -29,7 +28,7 @@ SurfacePlace fetch_surface_place(CtxEval const& ctx, PolyMeshTopology const& top
 //
 // T. Boubekeur, M. Alexa, "Phong tessellation", ACM Transactions on Graphics 27(5), 2008, with
 // shape factor 1.
-void fill_surface_sample(SurfacePlace const& place, VecLanes const (&normals)[3],
+void fill_surface_sample(SurfacePlace const& place, GMathFloatLanes const (&normals)[3],
                          GeometrySample& sample);
 
 // Tells `sample` where the place will be one time step after the fragment; nothing when the step is
@@ -43,10 +42,11 @@ void compute_point_sample(CtxEval const& ctx, GeometryPointCloudData const& data
                           GeometryFragment const& fragment, GeometrySample& sample);
 
 // What GMathShortNormal::decode gives, to the bit: of unit length but for rounding, or zero.
-inline VecLanes decode_normal(GMathShortNormal const& normal) {
-    IntLanes const bits = {normal.x, normal.y, normal.z, 0};
-    VecLanes const magnitude = __builtin_convertvector(bits & 0x7FFF, VecLanes) / 32767.0f;
-    return (VecLanes)((IntLanes)magnitude | ((bits & 0x8000) << 16));
+inline GMathFloatLanes decode_normal(GMathShortNormal const& normal) {
+    GMathIntLanes const bits = {normal.x, normal.y, normal.z, 0};
+    GMathFloatLanes const magnitude =
+        __builtin_convertvector(bits & 0x7FFF, GMathFloatLanes) / 32767.0f;
+    return (GMathFloatLanes)((GMathIntLanes)magnitude | ((bits & 0x8000) << 16));
 }
 
 // The sample of a fragment, whatever it names: a primitive, else a point, else nothing.
@@ -57,7 +57,7 @@ void compute_mesh_sample(CtxEval const& ctx, PolyMeshTopology const& topology,
                          GetNormals const& get_normals, GeometrySample& sample) {
     if (fragment.primitive_index < topology.primitive_infos.get_count()) {
         SurfacePlace const place = fetch_surface_place(ctx, topology, data, fragment);
-        VecLanes normals[3];
+        GMathFloatLanes normals[3];
         get_normals(place, normals);
         fill_surface_sample(place, normals, sample);
         add_surface_motion(ctx, data, fragment, place, sample);

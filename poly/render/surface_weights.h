@@ -1,7 +1,6 @@
 #pragma once
 
 #include <poly/mesh/primitive_corners.h>
-#include <poly/render/vec_lanes.h>
 
 #include <platform/qz_geometry.h>
 #include <platform/qz_gmath.h>
@@ -60,11 +59,13 @@ struct SurfaceWeights {
     T interpolate(T const& x0, T const& x1, T const& x2) const {
         return (x0 * w0 + x1 * w1) + x2 * w2;
     }
-    VecLanes derive_by_s(VecLanes const& x0, VecLanes const& x1, VecLanes const& x2) const {
-        return x1 - choose_lanes(triangle->s_start == 0, x0, x2);
+    GMathFloatLanes derive_by_s(GMathFloatLanes const& x0, GMathFloatLanes const& x1,
+                                GMathFloatLanes const& x2) const {
+        return x1 - gmath_choose(triangle->s_start == 0, x0, x2);
     }
-    VecLanes derive_by_t(VecLanes const& x0, VecLanes const& x1, VecLanes const& x2) const {
-        return x2 - choose_lanes(triangle->t_start == 0, x0, x1);
+    GMathFloatLanes derive_by_t(GMathFloatLanes const& x0, GMathFloatLanes const& x1,
+                                GMathFloatLanes const& x2) const {
+        return x2 - gmath_choose(triangle->t_start == 0, x0, x1);
     }
 };
 

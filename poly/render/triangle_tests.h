@@ -1,7 +1,5 @@
 #pragma once
 
-#include <poly/render/vec_lanes.h>
-
 #include <platform/qz_gmath.h>
 
 // The two ray-triangle tests, in floats. Both meet a triangle from either side, and report whatever
@@ -20,14 +18,14 @@ struct TriangleHit {
 // steps of a test are taken for all four, in the same order and rounded alike, so that the hits are
 // the very ones that the rays have one by one; what a test would not have got to is masked out.
 struct RayLanes {
-    GMathVec3<VecLanes> origin;
-    GMathVec3<VecLanes> direction;
+    GMathVec3<GMathFloatLanes> origin;
+    GMathVec3<GMathFloatLanes> direction;
 };
 
 struct TriangleHitLanes {
-    VecLanes u;
-    VecLanes v;
-    VecLanes distance;
+    GMathFloatLanes u;
+    GMathFloatLanes v;
+    GMathFloatLanes distance;
     unsigned int bits;
 
     TriangleHit get(unsigned int const& lane) const { return {u[lane], v[lane], distance[lane]}; }
@@ -69,18 +67,18 @@ class TolerantTriangle {
         return true;
     }
     TriangleHitLanes intersect(RayLanes const& rays) const {
-        GMathVec3<VecLanes> const e1 = spread(m_e1);
-        GMathVec3<VecLanes> const e2 = spread(m_e2);
-        GMathVec3<VecLanes> const p = gmath_cross(rays.direction, e2);
-        VecLanes const determinant = gmath_dot(e1, p);
-        VecLanes const inverse = 1.0f / determinant;
-        GMathVec3<VecLanes> const from_p0 = rays.origin - spread(m_p0);
-        VecLanes const u = gmath_dot(from_p0, p) * inverse;
-        GMathVec3<VecLanes> const q = gmath_cross(from_p0, e1);
-        VecLanes const v = gmath_dot(rays.direction, q) * inverse;
-        IntLanes const is_missed =
+        GMathVec3<GMathFloatLanes> const e1 = gmath_spread(m_e1);
+        GMathVec3<GMathFloatLanes> const e2 = gmath_spread(m_e2);
+        GMathVec3<GMathFloatLanes> const p = gmath_cross(rays.direction, e2);
+        GMathFloatLanes const determinant = gmath_dot(e1, p);
+        GMathFloatLanes const inverse = 1.0f / determinant;
+        GMathVec3<GMathFloatLanes> const from_p0 = rays.origin - gmath_spread(m_p0);
+        GMathFloatLanes const u = gmath_dot(from_p0, p) * inverse;
+        GMathVec3<GMathFloatLanes> const q = gmath_cross(from_p0, e1);
+        GMathFloatLanes const v = gmath_dot(rays.direction, q) * inverse;
+        GMathIntLanes const is_missed =
             (determinant == 0.0f) | (u < lowest) | (u > highest) | (v < lowest) | (u + v > highest);
-        return {u, v, gmath_dot(e2, q) * inverse, ~get_bits(is_missed)};
+        return {u, v, gmath_dot(e2, q) * inverse, ~gmath_get_bits(is_missed)};
     }
 
   private:
@@ -131,21 +129,22 @@ class ExactTriangle {
         return true;
     }
     TriangleHitLanes intersect(RayLanes const& rays) const {
-        GMathVec3<VecLanes> const& direction = rays.direction;
-        GMathVec3<VecLanes> const r0 = spread(m_p0) - rays.origin;
-        GMathVec3<VecLanes> const r1 = spread(m_p1) - rays.origin;
-        GMathVec3<VecLanes> const r2 = spread(m_p2) - rays.origin;
-        GMathVec3<VecLanes> const e0 = r0 - r1;
-        GMathVec3<VecLanes> const e1 = r1 - r2;
-        GMathVec3<VecLanes> const e2 = r2 - r0;
-        GMathVec3<VecLanes> const normal = gmath_cross(e0, e2) * spread(2.0f);
-        VecLanes const denominator = gmath_dot(normal, direction);
-        VecLanes const inverse = 1.0f / denominator;
-        VecLanes const u = gmath_dot(gmath_cross(r2 + r0, e2), direction) * inverse;
-        VecLanes const v = gmath_dot(gmath_cross(r0 + r1, e0), direction) * inverse;
-        VecLanes const w = gmath_dot(gmath_cross(r1 + r2, e1), direction) * inverse;
-        IntLanes const is_missed = (denominator == 0.0f) | (u < 0.0f) | (v < 0.0f) | (w < 0.0f);
-        return {u, v, gmath_dot(normal, r0) * inverse, ~get_bits(is_missed)};
+        GMathVec3<GMathFloatLanes> const& direction = rays.direction;
+        GMathVec3<GMathFloatLanes> const r0 = gmath_spread(m_p0) - rays.origin;
+        GMathVec3<GMathFloatLanes> const r1 = gmath_spread(m_p1) - rays.origin;
+        GMathVec3<GMathFloatLanes> const r2 = gmath_spread(m_p2) - rays.origin;
+        GMathVec3<GMathFloatLanes> const e0 = r0 - r1;
+        GMathVec3<GMathFloatLanes> const e1 = r1 - r2;
+        GMathVec3<GMathFloatLanes> const e2 = r2 - r0;
+        GMathVec3<GMathFloatLanes> const normal = gmath_cross(e0, e2) * gmath_spread(2.0f);
+        GMathFloatLanes const denominator = gmath_dot(normal, direction);
+        GMathFloatLanes const inverse = 1.0f / denominator;
+        GMathFloatLanes const u = gmath_dot(gmath_cross(r2 + r0, e2), direction) * inverse;
+        GMathFloatLanes const v = gmath_dot(gmath_cross(r0 + r1, e0), direction) * inverse;
+        GMathFloatLanes const w = gmath_dot(gmath_cross(r1 + r2, e1), direction) * inverse;
+        GMathIntLanes const is_missed =
+            (denominator == 0.0f) | (u < 0.0f) | (v < 0.0f) | (w < 0.0f);
+        return {u, v, gmath_dot(normal, r0) * inverse, ~gmath_get_bits(is_missed)};
     }
 
   private:

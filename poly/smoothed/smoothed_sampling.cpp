@@ -22,12 +22,12 @@ void PolyMeshSmoothed::compute_fragment_sample(CtxEval const& ctx, GeometryFragm
                                                GeometrySample& sample) const {
     compute_mesh_sample(
         ctx, m_mesh->get_topology(), m_mesh->get_point_cloud()->get_data(), fragment,
-        [this](SurfacePlace const& place, VecLanes(&normals)[3]) {
+        [this](SurfacePlace const& place, GMathFloatLanes(&normals)[3]) {
             GMathVec3<float> const face_normal = compute_flat_normal(
-                get_vec3<float>(place.positions[0]), get_vec3<float>(place.positions[1]),
-                get_vec3<float>(place.positions[2]));
+                gmath_vec3<float>(place.positions[0]), gmath_vec3<float>(place.positions[1]),
+                gmath_vec3<float>(place.positions[2]));
             auto const load_normal = [&](unsigned int const& corner) {
-                return make_lanes(get_polygon_vertex_normal(corner, face_normal));
+                return gmath_lanes(get_polygon_vertex_normal(corner, face_normal));
             };
             normals[0] = load_normal(place.corner_ids.a);
             normals[1] = load_normal(place.corner_ids.b);

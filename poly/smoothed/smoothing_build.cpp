@@ -5,7 +5,6 @@
 #include <poly/mesh/primitive_corners.h>
 #include <poly/mesh/progress_task.h>
 #include <poly/render/surface_weights.h>
-#include <poly/render/vec_lanes.h>
 #include <poly/smoothed/smoothing_triangles.h>
 #include <poly/topology/neighbourhood.h>
 
@@ -94,20 +93,16 @@ class SmoothingBuilder {
 
     // The same for the triangles from `first` on, side by side.
     void compute_four_face_normals(unsigned int const& first) {
-        using Four = GMathVec3<VecLanes>;
         auto const load = [&](unsigned int const& corner) {
-            Vec3 const& p0 = get_position(3 * first + corner);
-            Vec3 const& p1 = get_position(3 * first + corner + 3);
-            Vec3 const& p2 = get_position(3 * first + corner + 6);
-            Vec3 const& p3 = get_position(3 * first + corner + 9);
-            return Four{VecLanes{p0.x, p1.x, p2.x, p3.x}, VecLanes{p0.y, p1.y, p2.y, p3.y},
-                        VecLanes{p0.z, p1.z, p2.z, p3.z}};
+            return gmath_lanes(
+                get_position(3 * first + corner), get_position(3 * first + corner + 3),
+                get_position(3 * first + corner + 6), get_position(3 * first + corner + 9));
         };
-        Four const p = load(0);
-        Four const normal = gmath_cross(load(1) - p, load(2) - p);
-        VecLanes const length = get_root(gmath_dot(normal, normal));
-        IntLanes const is_zero = length <= spread(0.0f);
-        Four const unit = normal / length;
+        GMathVec3<GMathFloatLanes> const p = load(0);
+        GMathVec3<GMathFloatLanes> const normal = gmath_cross(load(1) - p, load(2) - p);
+        GMathFloatLanes const length = gmath_root(gmath_dot(normal, normal));
+        GMathIntLanes const is_zero = length <= 0.0f;
+        GMathVec3<GMathFloatLanes> const unit = normal / length;
         for (unsigned int k = 0; k < 4; ++k) {
             m_face_normals[first + k] =
                 is_zero[k] != 0 ? Vec3(0, 0, 0) : Vec3(unit.x[k], unit.y[k], unit.z[k]);

@@ -80,8 +80,8 @@ inline unsigned int find_entered_boxes(EarTriangle const& ear, CornerBoxes const
         return edge.is_inside(x + first, y + first);
     };
     auto const find_four = [&](unsigned int const& first) {
-        return (is_entered(ear.ca, first) & is_entered(ear.ab, first) & is_entered(ear.bc, first))
-            .get_bits();
+        return gmath_get_bits(is_entered(ear.ca, first) & is_entered(ear.ab, first) &
+                              is_entered(ear.bc, first));
     };
     return find_four(0) | find_four(4) << 4;
 }
@@ -144,23 +144,17 @@ class EarReach {
 
   private:
     unsigned int find_four_points(float const* x, float const* y) const {
-        return ((GMathFloatLanes(m_max_x) >= GMathFloatLanes(x)) &
-                (GMathFloatLanes(x) >= GMathFloatLanes(m_min_x)) &
-                (GMathFloatLanes(m_max_y) >= GMathFloatLanes(y)) &
-                (GMathFloatLanes(y) >= GMathFloatLanes(m_min_y)))
-            .get_bits();
+        return gmath_get_bits((gmath_lanes(x) <= m_max_x) & (gmath_lanes(x) >= m_min_x) &
+                              (gmath_lanes(y) <= m_max_y) & (gmath_lanes(y) >= m_min_y));
     }
 
     unsigned int find_four(CornerBoxes const& boxes, unsigned int const& first) const {
-        return ((GMathFloatLanes(m_max_x) >=
-                 GMathFloatLanes(boxes.bounds[CornerBoxes::MIN_X] + first)) &
-                (GMathFloatLanes(boxes.bounds[CornerBoxes::MAX_X] + first) >=
-                 GMathFloatLanes(m_min_x)) &
-                (GMathFloatLanes(m_max_y) >=
-                 GMathFloatLanes(boxes.bounds[CornerBoxes::MIN_Y] + first)) &
-                (GMathFloatLanes(boxes.bounds[CornerBoxes::MAX_Y] + first) >=
-                 GMathFloatLanes(m_min_y)))
-            .get_bits();
+        auto const load = [&](CornerBoxes::Row const& row) {
+            return gmath_lanes(boxes.bounds[row] + first);
+        };
+        return gmath_get_bits(
+            (load(CornerBoxes::MIN_X) <= m_max_x) & (load(CornerBoxes::MAX_X) >= m_min_x) &
+            (load(CornerBoxes::MIN_Y) <= m_max_y) & (load(CornerBoxes::MAX_Y) >= m_min_y));
     }
 
     float m_min_x = std::numeric_limits<float>::lowest();

@@ -36,10 +36,8 @@ struct EarEdge {
     bool is_inside(PlanePoint const& p) const { return (p.y - y) * dx - (p.x - x) * dy >= 0.0f; }
 
     // The same for four points.
-    auto is_inside(float const* px, float const* py) const {
-        return (GMathFloatLanes(py) - GMathFloatLanes(y)) * GMathFloatLanes(dx) -
-                   (GMathFloatLanes(px) - GMathFloatLanes(x)) * GMathFloatLanes(dy) >=
-               GMathFloatLanes(0.0f);
+    GMathIntLanes is_inside(float const* px, float const* py) const {
+        return (gmath_lanes(py) - y) * dx - (gmath_lanes(px) - x) * dy >= 0.0f;
     }
 };
 

@@ -65,8 +65,8 @@ TEST(SurfaceSampling, MeetsCornersAndTheFold) {
 TEST(SurfaceSampling, CurvesBetweenTangentPlanes) {
     SurfacePlace place{};
     place.weights = compute_sampling_weights(false, 0.5, 0);
-    place.positions[1] = VecLanes{1, 0, 0};
-    place.positions[2] = VecLanes{0, 1, 0};
+    place.positions[1] = GMathFloatLanes{1, 0, 0};
+    place.positions[2] = GMathFloatLanes{0, 1, 0};
     struct Case {
         Vec normals[3];
         Vec position, normal;
@@ -77,8 +77,8 @@ TEST(SurfaceSampling, CurvesBetweenTangentPlanes) {
              {{{0, 0, 0}, {1, 0, 1}, {0, 0, 1}}, {0.625f, 0, 0.125f}, {0.5f, 0, 0.5f}},
          }) {
         GeometrySample sample;
-        VecLanes const normals[3] = {make_lanes(c.normals[0]), make_lanes(c.normals[1]),
-                                     make_lanes(c.normals[2])};
+        GMathFloatLanes const normals[3] = {gmath_lanes(c.normals[0]), gmath_lanes(c.normals[1]),
+                                            gmath_lanes(c.normals[2])};
         fill_surface_sample(place, normals, sample);
         EXPECT_EQ(sample.get_smooth_position(), c.position);
         EXPECT_EQ(sample.get_normal(), c.normal);
