@@ -122,9 +122,9 @@ class PrimitiveReader {
     // Calls visit(primitive, vertices, count) for each of the first `primitive_count`, in order.
     template <typename Visit>
     void visit_all(unsigned int const& primitive_count, Visit const& visit) const {
+        unsigned int run[4 * run_length] = {};
         unsigned int primitive = 0;
         while (primitive < primitive_count) {
-            unsigned int run[4 * run_length];
             unsigned int const size =
                 primitive_count - primitive >= run_length ? get_run(primitive, run) : 0;
             if (size == 0) {

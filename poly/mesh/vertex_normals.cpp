@@ -127,7 +127,7 @@ class GroupSums {
     CoreArray<PolyMeshNormalSum>& m_sums;
     PolyMeshNormalSum* m_sum = nullptr;
     unsigned int m_index = CoreIndexArray::absent;
-    unsigned int m_run[run_length];
+    unsigned int m_run[run_length] = {};
     bool m_has_one_group = false;
     bool m_is_repeated = false;
 };
