@@ -1,6 +1,8 @@
 #include <tests/platform/lwo_builder.h>
 #include <tests/tools/run_tool.h>
 
+#include <tools/qzpoly/terminal/terminal.h>
+
 #include <nlohmann/json.hpp>
 
 #include <sys/resource.h>
@@ -150,6 +152,23 @@ TEST(Commands, OutputIsWholeOrNotThere) {
     EXPECT_GT(folder.read("packed").size(), 100u);
     EXPECT_EQ(std::filesystem::status(packed).permissions(), std::filesystem::perms(0640));
     EXPECT_EQ(count_files(), 3);
+}
+
+TEST(Commands, InterruptsLeaveFilesAsTheyWere) {
+    ToolFolder const folder;
+    std::string const out = folder.write("out", "as it was");
+    auto const interrupt = [&](bool const& is_writing) {
+        catch_interrupts();
+        if (is_writing) {
+            begin_writing();
+        }
+        std::raise(SIGINT);
+        char const* const arguments[] = {"qzpoly", "pack", "--sphere", "9", "9", "-o", out.c_str()};
+        std::_Exit(run_program(7, arguments));
+    };
+    EXPECT_EXIT(interrupt(false), testing::ExitedWithCode(130), "interrupted");
+    EXPECT_EXIT(interrupt(true), testing::ExitedWithCode(130), "interrupted");
+    EXPECT_EQ(folder.read("out"), "as it was");
 }
 
 TEST(Commands, DumpHasTheFewestDigitsThatReadBack) {

@@ -225,6 +225,7 @@ TEST(Render, SheetShowsWhatCannotBeDrawn) {
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.output.find("2 of 3 models, 82 x 90"), std::string::npos) << run.output;
     EXPECT_NE(run.errors.find("broken.obj"), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find("points.obj: there is nothing"), std::string::npos) << run.errors;
     std::string const sheet = folder.read("sheet.png");
     draw();
     EXPECT_EQ(folder.read("sheet.png"), sheet);

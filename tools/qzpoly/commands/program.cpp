@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -14,6 +15,23 @@ constexpr void (*s_commands[])(CLI::App& app, ToolSession& session) = {
     &add_render_command,  &add_turntable_command, &add_sheet_command, &add_check_command,
     &add_info_command,    &add_convert_command,   &add_pack_command,  &add_dump_command,
     &add_visible_command, &add_probe_command,     &add_stats_command, &add_verify_command,
+};
+
+// As usual, but for what repeats the name of a value: its type once more, and how many words it
+// has.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_option_opts(CLI::Option const* option) const override {
+        std::string text = CLI::Formatter::make_option_opts(option);
+        std::string const word_count = make_text(" x ", option->get_expected());
+        for (std::string_view const repeated :
+             {std::string_view(":UINT"), std::string_view(":FLOAT"),
+              std::string_view(word_count)}) {
+            std::size_t const place = text.find(repeated);
+            text.erase(std::min(place, text.size()), repeated.size());
+        }
+        return text;
+    }
 };
 
 // What is wrong with the command line, and where to look.
@@ -31,6 +49,7 @@ std::string tell_fault(CLI::App const& app, CLI::ParseError const& fault) {
 int run_program(int const& argument_count, char const* const* arguments) {
     ToolSession session;
     CLI::App app("Looks at polygon meshes: Wavefront OBJ files and LightWave objects", "qzpoly");
+    app.formatter(std::make_shared<HelpFormatter>());
     app.require_subcommand(1);
     app.set_version_flag("--version", "qzpoly " QZPOLY_VERSION);
     app.footer("Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.");

@@ -56,6 +56,14 @@ void write_record(DumpWriter& writer, char const* key, Record const& record) {
     write_records<T>(writer, key, CoreBasicArray<Record>(&record, 1));
 }
 
+// What maps of all kinds have.
+template <typename T, typename Map>
+void write_map(DumpWriter& writer, Map const& map) {
+    writer.write("name", map.name);
+    write_records<T>(writer, "values", map.values);
+    write(writer, "indices", map.indices);
+}
+
 void dump_polygons(PolyMesh const& mesh, Polygons const& polygons, DumpWriter& writer) {
     writer.write("positions_count", polygons.positions.get_count());
     write_records<float, Vec3>(writer, "positions", polygons.positions);
@@ -158,9 +166,7 @@ void dump_uv_maps(PolyMesh const& mesh, DumpWriter& writer) {
         GeometryUvMap map;
         mesh.get_polygon_uv_map(i, map, true);
         writer.begin_object();
-        writer.write("name", map.name);
-        write_records<float, Vec3>(writer, "values", map.values);
-        write(writer, "indices", map.indices);
+        write_map<float>(writer, map);
         writer.end_object();
     }
     writer.end_list();
@@ -173,9 +179,7 @@ void dump_normal_maps(PolyMesh const& mesh, DumpWriter& writer) {
         mesh.get_polygon_normal_map(i, map);
         PolyMeshNormalMap const& stored = mesh.get_geometry().normal_maps[i];
         writer.begin_object();
-        writer.write("name", map.name);
-        write_records<float, Vec3>(writer, "values", map.values);
-        write(writer, "indices", map.indices);
+        write_map<float>(writer, map);
         write(writer, "polygon_indices", stored.polygon_indices);
         write_records<unsigned short, GMathShortNormal>(writer, "extra_normals", stored.normals);
         writer.end_object();
@@ -189,9 +193,7 @@ void dump_color_maps(PolyMesh const& mesh, DumpWriter& writer) {
         GeometryColorMap map;
         mesh.get_polygon_color_map(i, map, true);
         writer.begin_object();
-        writer.write("name", map.name);
-        write_records<unsigned char, GMathVec4<unsigned char>>(writer, "values", map.values);
-        write(writer, "indices", map.indices);
+        write_map<unsigned char>(writer, map);
         writer.end_object();
     }
     writer.end_list();
