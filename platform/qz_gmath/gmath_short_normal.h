@@ -11,9 +11,10 @@ struct GMathShortNormal {
     unsigned short z;
 
     static GMathShortNormal encode(GMathVec3<float> const& v) {
-        return {GMathHalfFloatConverter::convert_float_to_normalized_half(v.x),
-                GMathHalfFloatConverter::convert_float_to_normalized_half(v.y),
-                GMathHalfFloatConverter::convert_float_to_normalized_half(v.z)};
+        unsigned int halves[4];
+        GMathHalfFloatConverter::convert_floats_to_normalized_halves(gmath_lanes(v), halves);
+        return {static_cast<unsigned short>(halves[0]), static_cast<unsigned short>(halves[1]),
+                static_cast<unsigned short>(halves[2])};
     }
     GMathVec3<float> decode() const {
         return {GMathHalfFloatConverter::convert_normalized_half_to_float(x),

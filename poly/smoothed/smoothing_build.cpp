@@ -192,11 +192,19 @@ class SmoothingBuilder {
         } while (!is_hard(get_previous_corner(corner)));
     }
 
+    // As gmath_unit.
+    static GMathFloatLanes get_unit(GMathFloatLanes const& v) {
+        float const length = std::sqrt(gmath_dot(v, v));
+        return length <= 0.0f ? GMathFloatLanes{} : v / length;
+    }
+
     // The weight is formed in double, and the product rounded to float.
     Vec3 get_weighted_normal(unsigned int const& corner) const {
-        Vec3 const& p = get_position(corner);
-        Vec3 const to_next = gmath_unit(get_position(get_next_corner(corner)) - p);
-        Vec3 const to_previous = gmath_unit(get_position(get_previous_corner(corner)) - p);
+        GMathFloatLanes const p = gmath_lanes(get_position(corner));
+        GMathFloatLanes const to_next =
+            get_unit(gmath_lanes(get_position(get_next_corner(corner))) - p);
+        GMathFloatLanes const to_previous =
+            get_unit(gmath_lanes(get_position(get_previous_corner(corner))) - p);
         double const weight = 1.0 - static_cast<double>(gmath_dot(to_next, to_previous));
         return Vec3(GMathVec3<double>(m_face_normals[corner / 3]) * weight);
     }
