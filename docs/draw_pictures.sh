@@ -21,4 +21,4 @@ render rocket-smooth --smooth 30 --hard-edges --size 320 400
 ./dev qzpoly dump assets/five_polygons.obj | docs/draw_data_model.py >"$folder/data-model.svg"
 ./dev build debug
 PYTHONPATH=build/debug/python /usr/bin/python3 examples/draw_model.py \
-    assets/rocket.obj "$folder/python.png" --samples 24 --size 320
+    assets/rocket.obj "$folder/python.png" --samples 128 --size 320
