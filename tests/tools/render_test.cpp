@@ -136,6 +136,8 @@ TEST(Render, ColorsComeFromFiles) {
         bool is_colored;
         char const* warning;
     };
+    std::string const no_library = std::string(9000, '\xFF') + "newmtl";
+    std::string const long_line = "newmtl a b\nKd 0 1 0\n" + std::string(20000, '#');
     std::vector<Row> const rows = {
         {"a name with blanks", "", "mtllib m n.mtl", true, ""},
         {"escaped blanks, and one that is missing", "", "mtllib x.mtl m\\ n.mtl", true,
@@ -150,9 +152,8 @@ TEST(Render, ColorsComeFromFiles) {
          "texture"},
         {"a broken texture", "newmtl a b\nKd 1 .2 0\nmap_Kd l.mtl", "mtllib l.mtl", true,
          "texture l.mtl: not a PNG file"},
-        {"no library at all", std::string(9000, '\xFF') + "newmtl", "mtllib l.mtl", false, ""},
-        {"too long", "newmtl a b\nKd 0 1 0\n" + std::string(20000, '#'), "mtllib l.mtl", false,
-         "too long"},
+        {"no library at all", no_library, "mtllib l.mtl", false, ""},
+        {"too long", long_line, "mtllib l.mtl", false, "too long"},
         {"too large", std::string(5000000, '\n'), "mtllib l.mtl", false, "more than"},
     };
     std::filesystem::copy(texture, folder.get_path("deep/t.png"));
