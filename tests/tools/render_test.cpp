@@ -136,7 +136,7 @@ TEST(Render, ColorsComeFromFiles) {
         bool is_colored;
         char const* warning;
     };
-    std::string const no_library = std::string(9000, '\xFF') + "newmtl";
+    std::string const no_library = std::string("newmtl").insert(0, 9000, '\xFF');
     std::string const long_line = "newmtl a b\nKd 0 1 0\n" + std::string(20000, '#');
     std::vector<Row> const rows = {
         {"a name with blanks", "", "mtllib m n.mtl", true, ""},
