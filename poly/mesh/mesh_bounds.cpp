@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr unsigned int run_length = 1024;  // of vertices or polygons, between steps of progress
+constexpr unsigned int run_length = 1024;  // of vertices or polygons, before their steps are told
 
 // A box that grows by its three axes side by side. Lanes compare as GMathBbox3 does, so that even
 // the sign of a zero is the one that came first.
@@ -99,14 +99,15 @@ bool update_mesh_box(CoreBasicArray<GMathVec3<float>> const& positions, GMathBbo
     unsigned int vertex = 0;
     bool are_all_finite = true;
     while (vertex < vertex_count) {
-        unsigned int const end = vertex + std::min(run_length, vertex_count - vertex);
+        unsigned int const first = vertex;
+        unsigned int const end = first + std::min(run_length, vertex_count - first);
         vertex = grown.extend_while_finite(positions.get_data(), vertex, end);
         if (vertex < end) {
             log_invalid_vertex(vertex, positions[vertex]);
             are_all_finite = false;
             ++vertex;
         }
-        step(progress, vertex);
+        step_through(progress, first, vertex);
     }
     box = grown.get_box();
     return are_all_finite;
@@ -127,8 +128,9 @@ void update_group_boxes(PolyMeshTopology const& topology,
     unsigned int polygon = 0;
     while (polygon < polygon_count) {
         // A run of polygons of one group.
-        unsigned int const group = groups[polygon];
-        unsigned int const run_end = polygon + std::min(run_length, polygon_count - polygon);
+        unsigned int const first = polygon;
+        unsigned int const group = groups[first];
+        unsigned int const run_end = first + std::min(run_length, polygon_count - first);
         unsigned int end = corner;
         do {
             end += counts[polygon];
@@ -139,7 +141,7 @@ void update_group_boxes(PolyMeshTopology const& topology,
             boxes[group] = grown.get_box();
         }
         corner = end;
-        step(progress, polygon);
+        step_through(progress, first, polygon);
     }
 }
 

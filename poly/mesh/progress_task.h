@@ -34,3 +34,10 @@ inline void step(AppProgressBar* progress, unsigned int const& done) {
         progress->step(done);
     }
 }
+// One step after the other, from `first` done on until `done`.
+inline void step_through(AppProgressBar* progress, unsigned int const& first,
+                         unsigned int const& done) {
+    for (unsigned int i = first; progress && i < done; ++i) {
+        progress->step(i + 1);
+    }
+}

@@ -82,7 +82,7 @@ class SmoothingBuilder {
         unsigned int t = 0;
         for (; count - t >= 4; t += 4) {
             compute_four_face_normals(t);
-            step(m_progress, t + 4);
+            step_through(m_progress, t, t + 4);
         }
         for (; t < count; ++t) {
             m_face_normals[t] = compute_flat_normal(get_position(3 * t), get_position(3 * t + 1),
