@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -31,12 +32,10 @@ class NormalSummer {
 
     // Sums up those that are left, with the first of them in the places beyond.
     void finish() {
-        for (unsigned int k = m_count; k < TriangleNormals::count; ++k) {
-            for (unsigned int(&corner)[TriangleNormals::count] : m_corners) {
-                corner[k] = corner[0];
-            }
-        }
         if (m_count != 0) {
+            for (unsigned int(&corner)[TriangleNormals::count] : m_corners) {
+                std::fill(corner + m_count, std::end(corner), corner[0]);
+            }
             sum_up();
         }
         change_group(nullptr);
