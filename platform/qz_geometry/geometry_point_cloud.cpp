@@ -18,28 +18,19 @@ GMathShortNormal encode_unit(GMathVec3<float> const& normal) {
     return GMathShortNormal::encode(normal * (1.0f / length));
 }
 
-unsigned short encode_parameter(float const& value) {
-    return static_cast<unsigned short>(std::clamp(value, 0.0f, 1.0f) * 65535.0f + 0.5f);
-}
-
-float decode_parameter(unsigned short const& code) { return static_cast<float>(code) / 65535.0f; }
-
 // The same of four normals side by side, each rounded as alone.
 void encode_four_units(GMathVec3<float> const* normals, GMathShortNormal* out) {
     GMathVec3<GMathFloatLanes> const n =
         gmath_lanes(normals[0], normals[1], normals[2], normals[3]);
     GMathFloatLanes const length = gmath_root(gmath_dot(n, n));
-    GMathVec3<GMathFloatLanes> const unit = gmath_keep(length > 0.0f, n * (1.0f / length));
-    unsigned int halves[3][4];
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.x, halves[0]);
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.y, halves[1]);
-    GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.z, halves[2]);
-    for (unsigned int k = 0; k < 4; ++k) {
-        out[k] = {static_cast<unsigned short>(halves[0][k]),
-                  static_cast<unsigned short>(halves[1][k]),
-                  static_cast<unsigned short>(halves[2][k])};
-    }
+    GMathShortNormal::encode(gmath_keep(length > 0.0f, n * (1.0f / length)), out);
 }
+
+unsigned short encode_parameter(float const& value) {
+    return static_cast<unsigned short>(std::clamp(value, 0.0f, 1.0f) * 65535.0f + 0.5f);
+}
+
+float decode_parameter(unsigned short const& code) { return static_cast<float>(code) / 65535.0f; }
 
 void encode_units(CoreBasicArray<GMathVec3<float>> const& normals,
                   CoreArray<GMathShortNormal>& out) {

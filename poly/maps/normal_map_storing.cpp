@@ -151,16 +151,7 @@ class NormalMapStore {
         // One that floats cannot hold, NaN included, tells no direction.
         m_directed =
             gmath_get_bits((length > 0.0f) & (length <= std::numeric_limits<float>::max()));
-        GMathVec3<GMathFloatLanes> const unit = n / length;
-        unsigned int halves[3][4];
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.x, halves[0]);
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.y, halves[1]);
-        GMathHalfFloatConverter::convert_floats_to_normalized_halves(unit.z, halves[2]);
-        for (unsigned int k = 0; k < 4; ++k) {
-            m_codes[k] = {static_cast<unsigned short>(halves[0][k]),
-                          static_cast<unsigned short>(halves[1][k]),
-                          static_cast<unsigned short>(halves[2][k])};
-        }
+        GMathShortNormal::encode(n / length, m_codes);
         m_codes_begin = first;
     }
 

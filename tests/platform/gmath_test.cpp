@@ -4,7 +4,9 @@
 
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <random>
 
 namespace {
 
@@ -59,6 +61,20 @@ TEST(GMathHalfFloatConverter, RoundsNormalisedHalves) {
     };
     for (Row const& row : rows) {
         EXPECT_EQ(Converter::convert_float_to_normalized_half(row.value), row.bits) << row.value;
+    }
+    std::mt19937 random(1);
+    for (unsigned int i = 0; i < 50000; ++i) {
+        float values[4] = {rows[i % std::size(rows)].value};  // side by side, the same
+        unsigned int halves[4];
+        for (unsigned int k = 1; k < 4; ++k) {
+            auto const number = static_cast<unsigned int>(random());
+            values[k] =
+                k == 1 ? std::bit_cast<float>(number) : static_cast<float>(number) / 0x1p31f - 1.0f;
+        }
+        Converter::convert_floats_to_normalized_halves(gmath_lanes(values), halves);
+        for (unsigned int k = 0; k < 4; ++k) {
+            ASSERT_EQ(halves[k], Converter::convert_float_to_normalized_half(values[k]));
+        }
     }
 }
 
