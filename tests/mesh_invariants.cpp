@@ -1,6 +1,7 @@
 #include <tests/mesh_invariants.h>
 
 #include <poly/mesh/map_entries.h>
+#include <poly/mesh/primitive_corners.h>
 
 #include <set>
 #include <utility>
@@ -101,6 +102,8 @@ struct Checker {
                      t.primitive_shading_groups[primitive] == t.polygon_shading_groups[polygon])
             CHECK_AT(primitive, (info & 3) == (!is_whole ? 0u : n == 4 ? 3u : 2u))
             CHECK_AT(primitive, offset == (is_whole ? first : cut_corner))
+            PrimitivePlace const place = find_primitive(t, primitive);
+            CHECK_AT(primitive, place.offset == offset && (place.info & 3) == (info & 3))
             quad_count += info & 1;
             for (unsigned int k = 0; !is_whole && k < 3; ++k, ++cut_corner) {
                 CHECK_AT(primitive, offset + 3 <= t.triangle_indices.get_count())

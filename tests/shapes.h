@@ -96,3 +96,29 @@ inline Shape make_soup(unsigned int const& seed) {
         "color", std::vector<GMathVec4<unsigned char>>(12, {1, 2, 3, 4}), indices)};
     return shape;
 }
+
+// Random triangles, random quads, the same with other polygons among them, and soups.
+inline Shape make_even_soup(unsigned int const& seed) {
+    Shape shape = make_soup(seed);
+    if (unsigned int const size = seed % 3 + 2; size != 2) {
+        std::mt19937 random(seed);
+        shape.vertex_count.assign(60, size);
+        shape.vertex_count[seed % 60] = seed % 9 < 6 ? size : seed % 4 + 2;
+        shape.vertex_indices.resize(59 * size + shape.vertex_count[seed % 60]);
+        for (unsigned int& vertex : shape.vertex_indices) {
+            vertex = static_cast<unsigned int>(random() % 12);
+        }
+        shape.groups.resize(60);
+        for (unsigned int i = 0; i < 60; ++i) {
+            shape.groups[i] = (i + seed) / 21 % 4;
+        }
+        shape.check_quads = false;
+        shape.uv_maps[0].indices.copy_from(view(shape.vertex_indices));
+        shape.color_maps[0].indices.copy_from(view(shape.vertex_indices));
+        shape.normal_maps.clear();
+    }
+    for (unsigned int i = 0; i < shape.color_maps[0].values.get_count(); ++i) {
+        shape.color_maps[0].values[i].y = static_cast<unsigned char>(i * 23);
+    }
+    return shape;
+}

@@ -116,8 +116,8 @@ Shape make_corner() {
 TEST(MeshNormals, AreToTheBitThoseOfAPlainSum) {
     std::vector<Shape> shapes{
         make_triangle(), make_square(), make_folded_quad(), make_corner(), {}};
-    for (unsigned int seed = 0; seed < 50; ++seed) {
-        shapes.push_back(make_soup(seed));
+    for (unsigned int seed = 0; seed < 80; ++seed) {
+        shapes.push_back(make_even_soup(seed));
         for (GMathVec3<float>& p : shapes.back().positions) {
             p = p * 0.37f;  // off the grid, so that the order of sums shows
         }

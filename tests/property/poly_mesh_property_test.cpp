@@ -1,4 +1,5 @@
 #include <poly/property/poly_mesh_property.h>
+#include <tests/plain_place.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -8,8 +9,10 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <random>
 #include <thread>
 #include <utility>
 
@@ -267,6 +270,74 @@ TEST_F(PropertyTest, SamplesBlendBetweenTheirTimes) {
     EXPECT_TRUE(property.init(2, new R(R::TYPE_INT64, 2, 1)));
     double r[2];
     EXPECT_EQ(property.evaluate(CtxEval(), {0, 0, 0, 0, 2}, r, nullptr, nullptr, nullptr, 2), 1u);
+}
+
+struct Half {
+    explicit Half(unsigned long const& value) : bits(static_cast<unsigned short>(value)) {}
+    operator float() const { return GMathHalfFloatConverter::s_conv_htof[bits]; }
+    unsigned short bits;
+};
+
+// Random items, by vertex or by corner, at random places and at or between two times.
+template <typename E>
+void check_random(unsigned int const& seed, R::Type const& type) {
+    std::mt19937 random(seed);
+    PolyMesh mesh;
+    make_even_soup(seed).set(mesh);
+    unsigned int const extent = 1 + seed % 2, count = mesh.get_vertex_count();
+    Numbers items = make_even_soup(seed).vertex_indices, indices(seed % 4 / 2 * items.size());
+    std::generate(indices.begin(), indices.end(), [&] { return unsigned(random() % count); });
+    P property(mesh, P::TYPE_VERTEX, type, extent, 0, 0, "p", GMathTimeSampling(view(Reals{0, 1})),
+               true);
+    property.init_indices(view(indices));
+    items = indices.empty() ? items : indices;
+    std::vector<E> elements[2];
+    for (unsigned int sample = 0; sample < 2; ++sample) {
+        auto* const block = new R(type, extent, count);
+        std::generate_n(std::back_inserter(elements[sample]), count * extent,
+                        [&] { return E(random() % 100); });
+        std::memcpy(block->get_item_values(0), &elements[sample][0], sizeof(E) * count * extent);
+        ASSERT_TRUE(property.init(sample, block));
+    }
+    for (unsigned int i = 0; i < 50; ++i) {
+        auto const get_number = [&] { return double(random() % (i % 2 == 0 ? 5 : 1000)) / 4; };
+        GeometryFragment const fragment{none, unsigned(random() % mesh.get_primitive_count()),
+                                        get_number(), get_number(), double(random() % 3) / 2};
+        PlainPlace place(mesh.get_topology(), fragment.primitive_index, fragment.s, fragment.t);
+        place.w[0] = (1.0f - place.w[1]) - place.w[2];
+        double r[3][2];
+        ASSERT_EQ(property.evaluate(CtxEval(), fragment, r[0], r[1], r[2], nullptr, 2), extent);
+        for (unsigned int k = 0; k < 3 * extent; ++k) {
+            auto const get = [&](unsigned int const& sample) {
+                auto const element = [&](unsigned int const& corner) {
+                    return elements[sample][items[place.ids[corner]] * extent + k / 3];
+                };
+                using Real = std::conditional_t<std::is_same_v<E, double>, double, float>;
+                Real const x[] = {Real(element(0)), Real(element(1)), Real(element(2))};
+                return k % 3 == 0   ? double(place.interpolate(x)[0])
+                       : k % 3 == 1 ? double(element(1) - element(place.s_start))
+                                    : double(element(2) - element(place.t_start));
+            };
+            double const a = get(0), b = get(1), time = fragment.time;
+            EXPECT_EQ(r[k % 3][k / 3], time == 1 ? b
+                                       : a == b  ? a
+                                                 : a + (b - a) * time)
+                << type << " " << seed;
+        }
+    }
+}
+
+template <typename... E>
+void check_all(unsigned int const& seed) {
+    unsigned int type = 0;
+    (check_random<E>(seed, R::Type(type++)), ...);
+}
+
+TEST(Property, EvaluatesAsItsDefinitionSays) {
+    for (unsigned int seed = 0; seed < 24; ++seed) {
+        check_all<signed char, unsigned char, short, unsigned short, int, unsigned int, long long,
+                  unsigned long long, Half, float, double, signed char, unsigned short>(seed);
+    }
 }
 
 // Has a block for sample 0 alone.

@@ -1,5 +1,6 @@
 #include <poly/render/surface_sampling.h>
 
+#include <tests/plain_place.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -162,59 +163,6 @@ TEST(MapSampling, MeetsTheValuesOfCorners) {
     }
 }
 
-// Random triangles, random quads, and polygons of all kinds, with the maps of a soup.
-Shape make_random_shape(unsigned int const& seed) {
-    Shape shape = make_soup(seed);
-    if (unsigned int const size = seed % 3 + 2; size != 2) {
-        std::mt19937 random(seed);
-        shape.vertex_count.assign(20, size);
-        shape.vertex_indices.resize(20 * size);
-        for (unsigned int& vertex : shape.vertex_indices) {
-            vertex = static_cast<unsigned int>(random() % 12);
-        }
-        shape.check_quads = false;
-        shape.uv_maps[0].indices.copy_from(view(shape.vertex_indices));
-        shape.color_maps[0].indices.copy_from(view(shape.vertex_indices));
-        shape.normal_maps.clear();
-    }
-    for (unsigned int i = 0; i < shape.color_maps[0].values.get_count(); ++i) {
-        shape.color_maps[0].values[i].y = static_cast<unsigned char>(i * 23);
-    }
-    return shape;
-}
-
-// Where a fragment lies, in the words of the definition.
-struct PlainPlace {
-    unsigned int ids[3];
-    float w[3];
-    unsigned int s_start = 0, t_start = 0;
-
-    PlainPlace(PolyMeshTopology const& topology, unsigned int const& primitive, double const& s,
-               double const& t) {
-        unsigned int const info = topology.primitive_infos[primitive];
-        bool const is_quad = (info & PolyMeshPrimitiveInfo::quad_bit) != 0;
-        bool const is_second = is_quad && !(s > t);
-        float const a = float(s), b = float(t);
-        w[0] = is_second ? 1.0f - b : is_quad ? 1.0f - a : (1.0f - a) - b;
-        w[1] = is_quad && !is_second ? float(s - t) : a;
-        w[2] = is_second ? float(t - s) : b;
-        s_start = is_second ? 2 : 0;
-        t_start = is_quad && !is_second ? 1 : 0;
-        for (unsigned int k = 0; k < 3; ++k) {
-            unsigned int const id =
-                topology.primitive_index_offsets[primitive] + (is_second && k != 0 ? k + 1 : k);
-            ids[k] = (info & PolyMeshPrimitiveInfo::direct_bit) != 0
-                         ? id
-                         : topology.triangle_indices[id];
-        }
-    }
-    // The value, and its derivatives by s and by t.
-    template <typename T>
-    std::array<T, 3> interpolate(T const (&x)[3]) const {
-        return {(x[0] * w[0] + x[1] * w[1]) + x[2] * w[2], x[1] - x[s_start], x[2] - x[t_start]};
-    }
-};
-
 template <typename T>
 bool have_same_bits(T const& a, T const& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
@@ -280,7 +228,7 @@ TEST(SurfaceSampling, GivesWhatTheDefinitionSays) {
     for (unsigned int seed = 0; seed < 12; ++seed) {
         SCOPED_TRACE(seed);
         PolyMesh mesh;
-        make_random_shape(seed).set(mesh);
+        make_even_soup(seed).set(mesh);
         uniform_count += mesh.get_topology().uniform_corner_count != 0;
         std::mt19937 random(seed);
         for (unsigned int i = 0; i < 300; ++i) {
@@ -296,7 +244,7 @@ TEST(SurfaceSampling, GivesWhatTheDefinitionSays) {
             check_maps(mesh, fragment, place);
         }
     }
-    EXPECT_EQ(uniform_count, 8u);
+    EXPECT_EQ(uniform_count, 6u);
 }
 
 }  // namespace
