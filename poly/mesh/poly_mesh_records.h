@@ -79,7 +79,7 @@ struct PolyMeshTopology {
     CoreIndexArray primitive_shading_groups;
     CoreArray<unsigned char> primitive_infos;
     // 3 or 4 if every polygon is a primitive with so many corners, so that those of primitive p
-    // start at p times that in polygon_vertex_indices; else 0. The bits of them all.
+    // start at p times that in polygon_vertex_indices; else 0. Their bits as they were built.
     unsigned int uniform_corner_count = 0;
     unsigned int uniform_info = 0;
     unsigned int primitive_index_count = 0;  // corners of all primitives

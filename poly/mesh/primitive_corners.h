@@ -10,7 +10,7 @@
 // triangle_indices.
 struct PrimitivePlace {
     unsigned int offset;
-    unsigned int info;  // the bits of PolyMeshPrimitiveInfo
+    unsigned int info;  // of PolyMeshPrimitiveInfo; its edges may since have been hidden or shown
 
     bool is_quad() const { return (info & PolyMeshPrimitiveInfo::quad_bit) != 0; }
     bool is_direct() const { return (info & PolyMeshPrimitiveInfo::direct_bit) != 0; }

@@ -125,7 +125,8 @@ Shape make_terrain(unsigned int const& seed) {
     shape.check_quads = seed % 2 == 0;
     for (unsigned int i = 0; i < 49; ++i) {
         float const height = static_cast<float>(random() % 9) * (seed % 3 == 0 ? 0.0f : 0.1f);
-        shape.positions.push_back({static_cast<float>(i % 7), static_cast<float>(i / 7), height});
+        unsigned int const row = i / 7;
+        shape.positions.push_back({static_cast<float>(i % 7), static_cast<float>(row), height});
     }
     if (seed % 5 == 0) {
         shape.positions[24].z = std::nanf("");
