@@ -42,6 +42,8 @@ as Debian builds them). Times are of the processor, on one thread, unless said o
 the other's time over ours, or ours over the other's where the bar is an upper one: the median, and
 the quartiles of either side against each other. Where results disagree, no bar is held.
 
+This run is kept in `bench/baseline/`; `./dev bench --against` its file tells what has changed since.
+
 """
 
 COLORS = ["#c0392b", "#2471a3", "#1e8449", "#b7950b", "#7d3c98"]

@@ -41,6 +41,13 @@ inline void add_triangle(GMathVec3<float> const* positions, unsigned int const& 
     sums[c] += Vec(unit * (static_cast<double>(gmath_dot(unit_bc, unit_ca)) + 1.0));
 }
 
+inline GMathShortNormal pack(GMathVec3<float> const& v) {
+    using Converter = GMathHalfFloatConverter;
+    return {Converter::convert_float_to_normalized_half(v.x),
+            Converter::convert_float_to_normalized_half(v.y),
+            Converter::convert_float_to_normalized_half(v.z)};
+}
+
 // Polygons are triangles or quads.
 inline void compute_normals(std::vector<GMathVec3<float>> const& positions,
                             std::vector<unsigned int> const& corners,
@@ -58,8 +65,7 @@ inline void compute_normals(std::vector<GMathVec3<float>> const& positions,
     out.normals = std::vector<GMathShortNormal>(positions.size());
     for (std::size_t i = 0; i < sums.size(); ++i) {
         float const length = gmath_length(sums[i]);
-        out.normals[i] = length > 0 ? GMathShortNormal::encode(sums[i] * (1.0f / length))
-                                    : GMathShortNormal{0, 0, 0};
+        out.normals[i] = length > 0 ? pack(sums[i] * (1.0f / length)) : GMathShortNormal{0, 0, 0};
     }
 }
 
