@@ -172,10 +172,11 @@ void ObjParser::dispatch(std::string_view const& keyword) {
     } else if (keyword == "ec") {
         m_mode = CREASE;
         m_builder.creases.begin_edge();
-    } else if (keyword == "g" || keyword == "o" || keyword == "mtllib") {
-        m_mode = TEXT;  // of names and paths, where a backslash continues nothing
-    } else if (keyword.find('#') != std::string_view::npos) {
-        m_mode = TEXT;  // a comment, as for a longer keyword that is not read as a word
+    } else if (keyword == "g" || keyword == "o" || keyword == "mtllib" ||
+               keyword.find('#') != std::string_view::npos) {
+        // Of names and paths, where a backslash continues nothing; or a comment, as behind a
+        // keyword that is too long to be read as a word.
+        m_mode = TEXT;
     } else {
         m_mode = STATEMENT;
     }
