@@ -1,6 +1,6 @@
 #include <fuzz/checks.h>
 
-#include <tests/mesh_invariants.h>
+#include <poly/mesh/mesh_invariants.h>
 
 #include <cstdio>
 #include <cstdlib>

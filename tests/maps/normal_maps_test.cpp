@@ -1,7 +1,7 @@
 #include <poly/maps/normal_maps.h>
+#include <poly/mesh/mesh_invariants.h>
 #include <poly/mesh/primitive_corners.h>
 #include <tests/log_capture.h>
-#include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -142,37 +142,6 @@ TEST(NormalMaps, StoreOnlyWhatOtherNormalsDoNotSay) {
          {{1, 0, 1}, {-0.0f, -0.0f, 1}, {2, -0.0f, 2}, {1, 0, -0.0f}},
          {},
          {0, 1, 2, 0, 2, 3},
-         0},
-        // A value that equals a vertex's normal goes by that vertex from then on.
-        {"own, then remembered",
-         make_fold(),
-         fold_values,
-         {2, 2, 2, 2, 2, 2},
-         {0, 0, 0, 0, 0, 0},
-         0},
-        {"flat or own",
-         make_fold(),
-         fold_values,
-         {0, 0, 0, 1, 1, 1},
-         {absent, 1, 1, absent, absent, 3},
-         0},
-        {"extra once a vertex",
-         make_fold(),
-         fold_values,
-         {4, 4, 4, 4, 4, 4},
-         {4, 5, 6, 4, 6, 7},
-         4},
-        {"no value",
-         make_fold(),
-         fold_values,
-         {3, 5, absent, 3, 99, 0xFFFFFFFE},
-         Numbers(6, absent),
-         0},
-        {"a length that floats do not hold",
-         make_fold(),
-         {{0, 1, -1e30f}},
-         Numbers(6, 0),
-         Numbers(6, absent),
          0},
         {"not covered",
          with_edge,

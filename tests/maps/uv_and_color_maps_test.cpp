@@ -1,4 +1,4 @@
-#include <tests/mesh_invariants.h>
+#include <poly/mesh/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include <poly/mesh/map_entries.h>
-#include <tests/mesh_invariants.h>
+#include <poly/mesh/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
+#include <poly/mesh/mesh_invariants.h>
 #include <poly/mesh/triangle_normals.h>
 #include <poly/mesh/vertex_normals.h>
 #include <tests/log_capture.h>
-#include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

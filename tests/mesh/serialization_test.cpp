@@ -1,6 +1,6 @@
+#include <poly/mesh/mesh_invariants.h>
 #include <tests/log_capture.h>
 #include <tests/mesh/mesh_blocks.h>
-#include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
+#include <poly/mesh/mesh_invariants.h>
 #include <poly/module/poly_helpers.h>
 #include <poly/property/poly_mesh_property.h>
 #include <poly/smoothed/poly_mesh_smoothed.h>
 #include <tests/log_capture.h>
-#include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

@@ -37,32 +37,6 @@ TEST(SurfaceWeights, SplitAndRound) {
     }
 }
 
-TEST(SurfaceSampling, MeetsCornersAndTheFold) {
-    PolyMesh mesh;
-    make_folded_quad().set(mesh);
-    struct Case {
-        double s, t;
-        Vec position, ds, dt;
-    };
-    for (Case const& c : {
-             Case{0, 0, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
-             {1, 0, {1, 0, 1}, {1, 0, 1}, {0, 1, -1}},
-             {1, 1, {1, 1, 0}, {1, 0, 0}, {0, 1, 0}},
-             {0, 1, {0, 1, 0}, {1, 0, 0}, {0, 1, 0}},
-             {0.25, 0.25, {0.25f, 0.25f, 0}, {1, 0, 0}, {0, 1, 0}},
-             {0.75, 0.5, {0.75f, 0.5f, 0.25f}, {1, 0, 1}, {0, 1, -1}},
-         }) {
-        SCOPED_TRACE(testing::Message() << c.s << ' ' << c.t);
-        GeometrySample sample;
-        mesh.compute_fragment_sample(CtxEval(), {.primitive_index = 0, .s = c.s, .t = c.t}, sample);
-        EXPECT_EQ(sample.get_position(), c.position);
-        EXPECT_EQ(sample.get_position_ds(), c.ds);
-        EXPECT_EQ(sample.get_position_dt(), c.dt);
-        // The diagonal stays straight, since the fold is symmetric to it.
-        EXPECT_EQ(sample.get_smooth_position() == c.position, c.s != 0.75);
-    }
-}
-
 TEST(SurfaceSampling, CurvesBetweenTangentPlanes) {
     SurfacePlace place{};
     place.weights = compute_sampling_weights(false, 0.5, 0);
@@ -123,46 +97,6 @@ TEST(SurfaceSampling, MovesPastThresholds) {
     EXPECT_EQ(sample.get_kind(), GeometrySample::KIND_NONE);
 }
 
-// In a row of polygons every corner has its own value, but for one without and one past the end.
-TEST(MapSampling, MeetsTheValuesOfCorners) {
-    Shape shape = make_row();
-    GeometryUvMap& uv_map = shape.uv_maps.emplace_back();
-    GeometryColorMap& color_map = shape.color_maps.emplace_back();
-    for (unsigned int corner = 0; corner < 12; ++corner) {
-        uv_map.values.append({float(corner + 1), 0, 0});
-        uv_map.indices.append(corner == 1 ? CoreIndexArray::absent : corner);
-        color_map.values.append({0, 0, 0, static_cast<unsigned char>(10 * (corner + 1))});
-        color_map.indices.append(corner == 1 ? 12 : corner);
-    }
-    PolyMesh mesh;
-    mesh.set_uv_map_compression_mode(PolyMeshTopology::COMPRESSION_NONE);
-    shape.set(mesh);
-    auto const get_value = [](unsigned int id) { return id == 1 ? 0.0f : float(id + 1); };
-
-    CtxEval const ctx;
-    ASSERT_EQ(mesh.get_primitive_count(), 5u);
-    for (unsigned int primitive = 0; primitive < 5; ++primitive) {
-        unsigned int ids[4];
-        unsigned int const n = get_primitive_corner_ids(mesh.get_topology(), primitive, ids);
-        for (unsigned int k = 0; k < n; ++k) {
-            double const s = k == 1 || (k == 2 && n == 4);
-            double const t = k >= 2;
-            float const value = get_value(ids[k]), next = get_value(ids[(k + 1) % n]);
-            GMathVec3<double> uvw, ds, dt;
-            mesh.compute_fragment_uvw(ctx, {.primitive_index = primitive, .s = s, .t = t}, 0, uvw,
-                                      ds, dt);
-            EXPECT_EQ(uvw.x, value);
-            GMathVec4<float> color;
-            mesh.compute_fragment_color(ctx, {.primitive_index = primitive, .s = s, .t = t}, 0,
-                                        color);
-            EXPECT_EQ(color.w, value * 10 * 0.003921569f);
-            // Edge numbers go round; the start is weighted in floats, the end in doubles.
-            mesh.compute_edge_uvw(ctx, primitive, k + n, 0, 0.1, uvw);
-            EXPECT_EQ(uvw.x, next * 0.1 + double(value * 0.9f));
-        }
-    }
-}
-
 template <typename T>
 bool have_same_bits(T const& a, T const& b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
@@ -221,6 +155,19 @@ void check_maps(PolyMesh const& mesh, GeometryFragment const& fragment, PlainPla
     auto const get_channel = [&](unsigned int c) { return place.interpolate(channels[c])[0]; };
     EXPECT_TRUE(have_same_bits(
         color, GMathVec4<float>(get_channel(0), get_channel(1), get_channel(2), get_channel(3))));
+
+    // Edge numbers go round; the start is weighted in floats, the end in doubles.
+    unsigned int ids[4];
+    unsigned int const n =
+        get_primitive_corner_ids(mesh.get_topology(), fragment.primitive_index, ids);
+    for (unsigned int edge = 0; edge < n; ++edge) {
+        Vec const from = uv_map.values.get((*uv_map.polygon_indices)[ids[edge]]);
+        Vec const to = uv_map.values.get((*uv_map.polygon_indices)[ids[(edge + 1) % n]]);
+        mesh.compute_edge_uvw(CtxEval(), fragment.primitive_index, edge + n, 0, 0.1, uvw[0]);
+        GMathVec3<double> const at_a_tenth =
+            GMathVec3<double>(from * 0.9f) + GMathVec3<double>(to) * 0.1;
+        EXPECT_TRUE(have_same_bits(uvw[0], at_a_tenth));
+    }
 }
 
 TEST(SurfaceSampling, GivesWhatTheDefinitionSays) {

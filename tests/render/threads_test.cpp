@@ -1,10 +1,10 @@
 #include <fuzz/query_geometry.h>
 #include <fuzz/query_property.h>
+#include <poly/mesh/mesh_invariants.h>
 #include <poly/property/poly_mesh_property.h>
 #include <poly/smoothed/poly_mesh_smoothed.h>
 #include <tests/answers.h>
 #include <tests/log_capture.h>
-#include <tests/mesh_invariants.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>

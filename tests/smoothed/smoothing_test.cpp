@@ -101,22 +101,6 @@ TEST(Smoothing, SortsCornersOfKnownShapes) {
     }
 }
 
-// By symmetry, a vertex on the rim has the mean of the normals of its two sides.
-TEST(Smoothing, WeighsTheSidesOfAFan) {
-    PolyMesh mesh;
-    make_cone(false).set(mesh);
-    PolyMeshSmoothed smoothed;
-    smoothed.set(mesh, 180, none, nullptr);
-    CoreArray<GMathVec3<float>> normals;
-    CoreArray<unsigned int> indices;
-    ASSERT_TRUE(smoothed.get_polygon_normal_map_data(0, normals, indices));
-    GMathVec3<float> const normal = normals[indices[0]];
-    EXPECT_NEAR(normal.y, 0, 1e-4);
-    EXPECT_NEAR(gmath_length(normal), 1, 1e-4);
-    EXPECT_NEAR(std::atan2(normal.z, normal.x), std::atan(std::cos(std::numbers::pi / 12)), 0.02);
-    EXPECT_EQ(smoothed.get_normal_map_name(0), CoreString("smoothing_angle=180"));
-}
-
 // Triangles and quads over a grid, some turned over or left out, now and then one in the air.
 Shape make_terrain(unsigned int const& seed) {
     std::mt19937 generator(seed);

@@ -1,6 +1,8 @@
 #include <tools/qzpoly/check/mesh_faults.h>
 #include <tools/qzpoly/check/radix_order.h>
 
+#include <tests/shapes.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,38 +32,23 @@ TEST(RadixOrder, IsStable) {
     }
 }
 
-struct RandomMesh {
-    std::vector<GMathVec3<float>> positions;
-    std::vector<unsigned int> corners;
-    std::vector<unsigned int> counts;
-
-    // Few vertices, at fewer places, so that all kinds of faults come up.
-    explicit RandomMesh(unsigned int const& seed) {
-        std::mt19937 random(seed);
-        unsigned int const vertex_count = 5 + seed % 7;
-        for (unsigned int i = 0; i < vertex_count; ++i) {
-            positions.emplace_back(float(random() % 2), float(random() % 3),
-                                   float(random() % 2) * -0.0f);
-        }
-        for (unsigned int i = 0; i < 1 + seed % 9; ++i) {
-            counts.push_back(3 + random() % 4);
-            for (unsigned int k = 0; k < counts.back(); ++k) {
-                corners.push_back(static_cast<unsigned int>(random() % vertex_count));
-            }
+// Few vertices, at fewer places, so that all kinds of faults come up.
+Shape make_faulty(unsigned int const& seed) {
+    std::mt19937 random(seed);
+    Shape shape;
+    unsigned int const vertex_count = 5 + seed % 7;
+    for (unsigned int i = 0; i < vertex_count; ++i) {
+        shape.positions.emplace_back(float(random() % 2), float(random() % 3),
+                                     float(random() % 2) * -0.0f);
+    }
+    for (unsigned int i = 0; i < 1 + seed % 9; ++i) {
+        shape.vertex_count.push_back(3 + random() % 4);
+        for (unsigned int k = 0; k < shape.vertex_count.back(); ++k) {
+            shape.vertex_indices.push_back(static_cast<unsigned int>(random() % vertex_count));
         }
     }
-
-    PolyMesh* make() const {
-        auto* const mesh = new PolyMesh;
-        std::vector<unsigned int> const groups(counts.size(), 0);
-        CoreString const name("all");
-        auto const size = [](auto const& list) { return static_cast<unsigned int>(list.size()); };
-        mesh->set({positions.data(), size(positions)}, {}, {corners.data(), size(corners)},
-                  {counts.data(), size(counts)}, {groups.data(), size(groups)}, {&name, 1}, {}, {},
-                  {}, true, nullptr);
-        return mesh;
-    }
-};
+    return shape;
+}
 
 using Counts = std::array<unsigned int, 4>;
 constexpr ToolFaultKind edge_kinds[] = {ToolFaultKind::BORDER_EDGE, ToolFaultKind::WINDING,
@@ -69,15 +56,15 @@ constexpr ToolFaultKind edge_kinds[] = {ToolFaultKind::BORDER_EDGE, ToolFaultKin
                                         ToolFaultKind::DUPLICATE_EDGE};
 
 // By the definitions, in maps.
-Counts count_plainly(RandomMesh const& mesh) {
+Counts count_plainly(Shape const& mesh) {
     using Ends = std::pair<unsigned int, unsigned int>;
     using Place = std::array<float, 3>;
     std::map<Ends, std::vector<unsigned int>> starts;  // of the sides of each edge
     unsigned int begin = 0;
-    for (unsigned int const count : mesh.counts) {
+    for (unsigned int const count : mesh.vertex_count) {
         for (unsigned int k = 0; k < count; ++k) {
-            unsigned int const a = mesh.corners[begin + k];
-            unsigned int const b = mesh.corners[begin + (k + 1) % count];
+            unsigned int const a = mesh.vertex_indices[begin + k];
+            unsigned int const b = mesh.vertex_indices[begin + (k + 1) % count];
             if (a != b) {
                 starts[std::minmax(a, b)].push_back(a);
             }
@@ -106,10 +93,11 @@ Counts count_plainly(RandomMesh const& mesh) {
 TEST(EdgeFaults, AreThoseOfThePlainCount) {
     Counts reached{};
     for (unsigned int seed = 0; seed < 400; ++seed) {
-        RandomMesh const random(seed);
-        std::unique_ptr<PolyMesh> const mesh(random.make());
-        ToolFaults const faults = find_faults(*mesh, {}, 2);
-        Counts const expected = count_plainly(random);
+        Shape const shape = make_faulty(seed);
+        PolyMesh mesh;
+        shape.set(mesh);
+        ToolFaults const faults = find_faults(mesh, {}, 2);
+        Counts const expected = count_plainly(shape);
         for (std::size_t i = 0; i < expected.size(); ++i) {
             ToolFaults::Row const& row = faults.get_row(edge_kinds[i]);
             EXPECT_EQ(row.count, expected[i]) << seed << " " << get_meaning(edge_kinds[i]).name;

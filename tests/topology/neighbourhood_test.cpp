@@ -1,14 +1,11 @@
 #include <poly/topology/neighbourhood.h>
+#include <tests/shapes.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
-#include <vector>
 
 namespace {
-
-using Indices = std::vector<unsigned int>;
 
 constexpr unsigned int none = 0xFFFFFFFFu;
 
@@ -17,11 +14,7 @@ std::vector<T> to_vector(CoreArray<T> const& array) {
     return std::vector<T>(array.begin(), array.end());
 }
 
-CoreBasicArray<unsigned int> view(Indices const& indices) {
-    return {indices.data(), static_cast<unsigned int>(indices.size())};
-}
-
-Indices find_neighbours(Indices const& vertices, unsigned int const& face_size,
+Numbers find_neighbours(Numbers const& vertices, unsigned int const& face_size,
                         AppProgressBar* const progress = nullptr) {
     CoreArray<unsigned int> neighbours(5);
     (face_size == 3 ? compute_triangles_neighbourhood
@@ -30,15 +23,15 @@ Indices find_neighbours(Indices const& vertices, unsigned int const& face_size,
 }
 
 struct PolygonLinks {
-    Indices polygons;
-    Indices edges;
+    Numbers polygons;
+    Numbers edges;
     std::vector<unsigned char> manifold;
 
     bool operator==(PolygonLinks const&) const = default;
 };
 
-Indices get_offsets(Indices const& sizes) {
-    Indices offsets;
+Numbers get_offsets(Numbers const& sizes) {
+    Numbers offsets;
     unsigned int sum = 0;
     for (unsigned int const size : sizes) {
         offsets.push_back(sum);
@@ -47,7 +40,7 @@ Indices get_offsets(Indices const& sizes) {
     return offsets;
 }
 
-PolygonLinks find_polygon_links(Indices const& vertices, Indices const& sizes) {
+PolygonLinks find_polygon_links(Numbers const& vertices, Numbers const& sizes) {
     CoreArray<unsigned int> polygons;
     CoreArray<unsigned int> edges;
     CoreArray<unsigned char> manifold;
@@ -59,8 +52,8 @@ PolygonLinks find_polygon_links(Indices const& vertices, Indices const& sizes) {
 TEST(Neighbourhood, KnownTriangles) {
     struct Row {
         char const* name;
-        Indices vertices;
-        Indices expected;
+        Numbers vertices;
+        Numbers expected;
     };
     Row const rows[] = {
         {"no faces", {}, {}},
@@ -79,21 +72,21 @@ TEST(Neighbourhood, KnownTriangles) {
 }
 
 TEST(Neighbourhood, ManifoldEdgesOfPolygons) {
-    Indices const vertices = {0, 1, 2, 3, 1, 0, 4, 2, 3, 5, 3, 2, 6};
+    Numbers const vertices = {0, 1, 2, 3, 1, 0, 4, 2, 3, 5, 3, 2, 6};
     std::vector<unsigned char> const opposite = {1, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0};
     // Edge 2-3 is there three times, edge 0-1 twice and in opposite directions.
     EXPECT_EQ(find_polygon_links(vertices, {4, 3, 3, 3}).manifold, opposite);
 }
 
 // By the definition: looks through all earlier edges, those of the opposite direction first.
-PolygonLinks link_plainly(Indices const& vertices, Indices const& sizes) {
+PolygonLinks link_plainly(Numbers const& vertices, Numbers const& sizes) {
     struct Edge {
         unsigned int a, b, polygon, k, slot;
     };
     std::vector<Edge> listed;
     std::size_t const n = vertices.size();
-    PolygonLinks links = {Indices(n, none), Indices(n, none), std::vector<unsigned char>(n, 0)};
-    Indices const offsets = get_offsets(sizes);
+    PolygonLinks links = {Numbers(n, none), Numbers(n, none), std::vector<unsigned char>(n, 0)};
+    Numbers const offsets = get_offsets(sizes);
     for (unsigned int p = 0; p < sizes.size(); ++p) {
         unsigned int const* const v = vertices.data() + offsets[p];
         for (unsigned int k = 0; k < sizes[p] && std::count(v, v + sizes[p], none) == 0; ++k) {
@@ -138,8 +131,8 @@ TEST(Neighbourhood, EqualsThePlainDefinition) {
         bool const has_hubs = seed >= 1490 && !is_dense;
         unsigned int const vertex_count = is_dense ? 100 : has_hubs ? 1000 : 2 + seed % 30;
         unsigned int const face_size = 3 + seed % 2;
-        Indices sizes(is_dense ? 4000 : has_hubs ? 900 : seed % 40);
-        Indices vertices;
+        Numbers sizes(is_dense ? 4000 : has_hubs ? 900 : seed % 40);
+        Numbers vertices;
         for (unsigned int& size : sizes) {
             size = seed % 3 == 0 ? static_cast<unsigned int>(random() % 7) : face_size;
             for (unsigned int k = 0; k < size; ++k) {
@@ -152,7 +145,7 @@ TEST(Neighbourhood, EqualsThePlainDefinition) {
         PolygonLinks const expected = link_plainly(vertices, sizes);
         ASSERT_EQ(find_polygon_links(vertices, sizes), expected) << "seed " << seed;
         if (seed % 3 != 0) {
-            Indices slots = expected.polygons;
+            Numbers slots = expected.polygons;
             for (unsigned int i = 0; i < slots.size(); ++i) {
                 slots[i] = slots[i] == none ? none : slots[i] * face_size + expected.edges[i];
             }

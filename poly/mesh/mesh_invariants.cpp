@@ -1,4 +1,4 @@
-#include <tests/mesh_invariants.h>
+#include <poly/mesh/mesh_invariants.h>
 
 #include <poly/mesh/map_entries.h>
 #include <poly/mesh/primitive_corners.h>
