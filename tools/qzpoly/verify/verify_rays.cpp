@@ -175,11 +175,21 @@ Face Shooter::get_face(Shot const& shot, unsigned int const& triangle) const {
 }
 
 // Whether the ray's own rounding may take it there, or that of the test: either moves the ray
-// sideways, and so further along a face that is seen at a low angle.
+// sideways. At a low angle that is far along a face, but not so far as to be another place.
 bool Shooter::is_aimed_at(Shot const& shot, Face const& face) const {
-    double const length = gmath_length(shot.target - shot.ray.ray.get_origin());
-    double const cosine = std::max(std::abs(face.cosine), least_cosine);
-    return compute_distance(shot.target, face.corners) * cosine <= aim_steps * float_step * length;
+    Wide const direction = shot.ray.ray.get_direction();
+    double const leeway =
+        aim_steps * float_step * gmath_length(shot.target - shot.ray.ray.get_origin());
+    if (compute_distance(shot.target, face.corners) * least_cosine > leeway) {
+        return false;
+    }
+    Wide seen[3];  // as they lie beside the ray, at the distance of its target
+    for (unsigned int k = 0; k < 3; ++k) {
+        Wide const& corner = face.corners[k];
+        seen[k] = corner - direction * (gmath_dot(corner - shot.target, direction) /
+                                        gmath_dot(direction, direction));
+    }
+    return compute_distance(shot.target, seen) <= leeway;
 }
 
 // Whether something is hit where the ray was aimed: a triangle that has the target, or a neighbour
