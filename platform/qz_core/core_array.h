@@ -2,6 +2,7 @@
 
 #include <platform/qz_core/core_memory.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cstddef>
 #include <cstring>
@@ -146,9 +147,7 @@ class CoreArray : public CoreBasicArray<T> {
     void fill(T const& value) {
         // The value may be one of our own elements.
         T const copy(value);  // NOLINT(performance-unnecessary-copy-initialization)
-        for (unsigned int i = 0; i < m_count; ++i) {
-            m_data[i] = copy;
-        }
+        std::fill(begin(), end(), copy);
     }
 
     void swap(CoreArray& other) noexcept {
