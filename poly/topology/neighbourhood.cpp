@@ -3,6 +3,8 @@
 #include <poly/topology/edge_lists.h>
 
 #include <algorithm>
+#include <numeric>
+#include <utility>
 
 namespace {
 
@@ -18,7 +20,7 @@ class EqualFaces {
         : m_vertices(indices.get_data()),
           m_neighbours(neighbours.get_data()),
           m_count(indices.get_count() / face_size) {
-        neighbours.fill(none);
+        std::iota(neighbours.begin(), neighbours.end(), 0u);
     }
 
     unsigned int get_count() const { return m_count; }
@@ -32,8 +34,7 @@ class EqualFaces {
 
     // Takes `edge` into the ring of `first`, the first edge on the same two vertices.
     void link(Edge const& edge, Edge const& first) {
-        m_neighbours[edge] = m_neighbours[first] != none ? m_neighbours[first] : first;
-        m_neighbours[first] = edge;
+        std::swap(m_neighbours[edge], m_neighbours[first]);
     }
 
   private:
@@ -69,6 +70,9 @@ class PolygonFaces {
     void link(Edge const& edge, Edge const& first) {
         unsigned int const slot = offsets[edge.polygon] + edge.k;
         unsigned int const first_slot = offsets[first.polygon] + first.k;
+        if (slot == first_slot) {
+            return;
+        }
         // Two edges on one vertex pair run the same way where they start at the same vertex.
         bool const is_opposite = vertices[slot] != vertices[first_slot];
         unsigned int const polygon = neighbour_polygons[first_slot];
@@ -104,12 +108,13 @@ template <typename Faces, typename Visit>
 void visit_edges(Faces const& faces, unsigned int const& face, Visit const& visit) {
     unsigned int const* const vertices = faces.get_vertices(face);
     unsigned int const size = faces.get_size(face);
+    unsigned int a = size != 0 ? vertices[0] : none;
     for (unsigned int k = 0; k < size; ++k) {
-        unsigned int const a = vertices[k];
         unsigned int const b = vertices[k + 1 == size ? 0 : k + 1];
         if (a != b) {
             visit(k, a, b);
         }
+        a = b;
     }
 }
 
@@ -149,6 +154,11 @@ void link_equal_faces(CoreArray<unsigned int>& neighbours,
     neighbours.reset(indices.get_count());
     EqualFaces<face_size> faces(indices, neighbours);
     link_edges(faces, vertex_count, progress);
+    // An edge that is a ring of its own has no neighbour.
+    unsigned int* const edges = neighbours.get_data();
+    for (unsigned int e = 0, count = neighbours.get_count(); e < count; ++e) {
+        edges[e] = edges[e] == e ? none : edges[e];
+    }
 }
 
 }  // namespace
