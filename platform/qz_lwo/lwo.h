@@ -45,8 +45,8 @@ class QZ_LWO_EXPORT Lwo {
                      CoreArray<CoreString>& shading_group_names, CoreArray<GeometryUvMap>& uv_maps,
                      CoreArray<GeometryNormalMap>& normal_maps, AppProgressBar* progress);
 
-    // The names and the colours (red, green, blue; mostly 0 to 1, as displayed) of those surfaces
-    // that have a colour, in file order. A surface whose colour cannot be found is left out. False,
+    // The names and the colors (red, green, blue; mostly 0 to 1, as displayed) of those surfaces
+    // that have a color, in file order. A surface whose color cannot be found is left out. False,
     // with one message at level 2 and the outputs untouched, for what is no object.
     static bool load_surface_colors(CoreString const& path, CoreArray<CoreString>& names,
                                     CoreArray<GMathVec3<float>>& colors);

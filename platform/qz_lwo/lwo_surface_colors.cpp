@@ -73,7 +73,7 @@ void read_surface(LwoByteReader data, bool const& is_old, Surface& surface) {
     }
 }
 
-// A form SURF of LWO3: the first unnamed chunk has the name, the colour is the value of an entry
+// A form SURF of LWO3: the first unnamed chunk has the name, the color is the value of an entry
 // "Color" somewhere inside. Stepping into every form makes one row of all chunks.
 void read_surface_form(LwoByteReader data, Surface& surface) {
     std::string_view entry;

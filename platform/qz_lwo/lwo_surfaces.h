@@ -6,7 +6,7 @@
 #include <platform/qz_lwo/lwo_report.h>
 
 // Reads a chunk PTAG, which gives polygons of the last list their surfaces. Tags of other types
-// (parts, smoothing groups, colours) are skipped.
+// (parts, smoothing groups, colors) are skipped.
 bool lwo_read_surface_tags(LwoChunk const& chunk, LwoContents const& contents,
                            LwoPolygons& polygons, LwoReport& report);
 

@@ -34,7 +34,7 @@ class ObjBuilder {
     // Room for all corners and faces of `size` bytes of text. False: that might be too many.
     bool make_room_for_faces(std::size_t const& size);
 
-    // False: there are as many as there may be. Colours are of any range; a NaN is 0.
+    // False: there are as many as there may be. Colors are of any range; a NaN is 0.
     bool add_point(GMathVec3<float> const& position) {
         return positions.append(position, m_limits.largest_count);
     }

@@ -39,7 +39,7 @@ TEST(ObjModels, AreAsListed) {
     if (!folder) {
         GTEST_SKIP() << "QZ_POLY_MODELS names no folder";
     }
-    // File, points, vt, vn, coloured points, faces, corners, corners with uv, with normal, groups,
+    // File, points, vt, vn, colored points, faces, corners, corners with uv, with normal, groups,
     // border edges and so on, checksums, and what checked them.
     auto const rows = read_model_rows(folder, "| file | points (v) |");
     ASSERT_GE(rows.size(), 46u);

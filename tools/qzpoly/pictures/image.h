@@ -12,7 +12,7 @@ using ToolColor = GMathVec3<float>;  // red, green, blue; linear light, 1 is whi
 // The sRGB transfer functions of IEC 61966-2-1, for values in [0, 1].
 float decode_srgb(float const& value);
 float encode_srgb(float const& value);
-// The light of a colour that is given as it is displayed.
+// The light of a color that is given as it is displayed.
 ToolColor from_display(float const& red, float const& green, float const& blue);
 
 // A picture of 8 bits a channel, row by row from the top, red green blue.
@@ -25,7 +25,7 @@ struct ToolImage {
     ToolImage(unsigned int const& width_value, unsigned int const& height_value)
         : width(width_value), height(height_value), bytes(std::size_t(3) * width * height) {}
 
-    // Colours outside [0, 1] are clamped; a NaN is black.
+    // Colors outside [0, 1] are clamped; a NaN is black.
     void set_pixel(unsigned int const& x, unsigned int const& y, ToolColor const& color);
 };
 

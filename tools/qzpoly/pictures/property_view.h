@@ -7,7 +7,7 @@
 #include <vector>
 
 // A property as a picture shows it: vectors of three components as red, green and blue,
-// anything else by its first component in false colour, from blue at the lowest value to red at the
+// anything else by its first component in false color, from blue at the lowest value to red at the
 // highest.
 struct ToolPropertyView {
     GeometryProperty const* property = nullptr;
@@ -24,6 +24,6 @@ ToolPropertyView make_property_view(GeometryObject const& geometry, CtxEval cons
 ToolColor get_property_color(ToolPropertyView const& view, CtxEval const& ctx,
                              GeometryFragment const& fragment);
 
-// Draws the scale of the false colours, if there are any, with its two ends in figures, into the
+// Draws the scale of the false colors, if there are any, with its two ends in figures, into the
 // lower left corner.
 void draw_legend(ToolPropertyView const& view, ToolImage& image);

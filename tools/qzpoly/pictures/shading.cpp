@@ -5,7 +5,7 @@
 
 namespace {
 
-// A colour of full strength around the circle of hues; `hue` in turns.
+// A color of full strength around the circle of hues; `hue` in turns.
 ToolColor get_hue(double const& hue, float const& saturation, float const& value) {
     auto const channel = [&](double const& shift) {
         double const turn = hue + shift - std::floor(hue + shift);

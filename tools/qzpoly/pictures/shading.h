@@ -29,7 +29,7 @@ struct ToolAppearance {
     std::vector<ToolColor> primitive_colors;             // for a mode that shows them
 };
 
-// A place on a geometry, ready to be coloured. All vectors face the viewer.
+// A place on a geometry, ready to be colored. All vectors face the viewer.
 struct ToolShadePoint {
     GeometryObject const& geometry;
     CtxEval const& ctx;
@@ -39,11 +39,11 @@ struct ToolShadePoint {
     ToolAppearance const& appearance;
 };
 
-// A way to colour a geometry. A new one is a row in the table.
+// A way to color a geometry. A new one is a row in the table.
 struct ToolShadeMode {
     char const* name;
     char const* meaning;
-    bool is_lit;  // else the colour is shown as it is
+    bool is_lit;  // else the color is shown as it is
     ToolColor (*get_color)(ToolShadePoint const& point);
 };
 

@@ -26,7 +26,7 @@ bool is_interrupted();
 // From now on, the first Ctrl-C is only noted: the result is being written.
 void begin_writing();
 
-// Whether text on this stream may be coloured: it is a terminal that can, and nobody objects.
+// Whether text on this stream may be colored: it is a terminal that can, and nobody objects.
 bool has_colors(std::FILE* stream);
 
 // Wipes what a progress bar has drawn, before something else is written to stderr.
