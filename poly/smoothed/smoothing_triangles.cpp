@@ -4,6 +4,7 @@
 #include <poly/render/surface_weights.h>
 
 #include <cassert>
+#include <numeric>
 
 namespace {
 
@@ -26,6 +27,12 @@ SmoothingTriangles::SmoothingTriangles(PolyMeshTopology const& topology) {
     corner_ids.reset(corner_count);
     vertices.reset(corner_count);
     edges.reset(corner_count);
+    if (topology.uniform_corner_count == 3) {  // whole triangles, whose corners follow one another
+        std::iota(corner_ids.begin(), corner_ids.end(), 0u);
+        topology.polygon_vertex_indices.get_indices(0, corner_count, vertices.get_data());
+        edges.fill(SmoothingEdge::UNDECIDED);
+        return;
+    }
     PrimitiveReader const reader(topology);
     unsigned int const primitive_count = topology.primitive_infos.get_count();
     unsigned int* next_id = corner_ids.get_data();
