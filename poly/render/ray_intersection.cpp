@@ -42,10 +42,12 @@ constexpr GeometryMediumDescriptor no_medium;
 // A triangle among those of `surface_triangles`, ready for one kind of test.
 template <typename Test, unsigned int number>
 struct NumberedTriangle {
-    explicit NumberedTriangle(GMathVec3<float> const* corners)
-        : test(corners[surface_triangles[number].corners[0]],
-               corners[surface_triangles[number].corners[1]],
-               corners[surface_triangles[number].corners[2]]) {}
+    // `get_corner(k)` is where corner k of the primitive lies.
+    template <typename GetCorner>
+    explicit NumberedTriangle(GetCorner const& get_corner)
+        : test(get_corner(surface_triangles[number].corners[0]),
+               get_corner(surface_triangles[number].corners[1]),
+               get_corner(surface_triangles[number].corners[2])) {}
 
     template <bool is_moving>
     void trace(RayQuery const& query, unsigned int const& ray, GMathVec3<float> const& origin,
@@ -78,10 +80,12 @@ struct NumberedTriangle {
 // hit.
 template <typename Test, bool is_quad>
 struct PrimitiveTest {
-    explicit PrimitiveTest(GMathVec3<float> const* corners) : first(corners), second(corners) {}
+    template <typename GetCorner>
+    explicit PrimitiveTest(GetCorner const& get_corner) : first(get_corner), second(get_corner) {}
 
+    // Inlined, so that a triangle that is built for one ray stays in registers.
     template <bool is_moving>
-    void trace(RayQuery const& query, unsigned int const& ray) const {
+    [[gnu::always_inline]] void trace(RayQuery const& query, unsigned int const& ray) const {
         GMathBasicRay const& basic_ray = query.rays.get_basic_ray(ray);
         GMathVec3<float> const origin(basic_ray.get_origin());
         GMathVec3<float> const direction(basic_ray.get_direction());
@@ -115,12 +119,19 @@ struct PrimitiveTest {
     NumberedTriangle<Test, is_quad ? 2 : 0> second;  // unused by triangles
 };
 
+// Corners are read where they are: copies, written one by one, would be waited for.
 template <typename Test, bool is_quad>
-void trace_at_rest(RayQuery const& query, GeometryPointCloudData const& data,
-                   unsigned int const* vertices) {
-    GMathVec3<float> corners[4];
-    fetch_positions(data.positions, vertices, is_quad ? 4 : 3, corners);
-    PrimitiveTest<Test, is_quad> const test(corners);
+PrimitiveTest<Test, is_quad> load_at_rest(GeometryPointCloudData const& data,
+                                          unsigned int const* vertices) {
+    return PrimitiveTest<Test, is_quad>(
+        [&](unsigned int const& k) { return data.positions[vertices[k]]; });
+}
+
+template <typename Test, bool is_quad>
+[[gnu::noinline]] void trace_packet_at_rest(RayQuery const& query,
+                                            GeometryPointCloudData const& data,
+                                            unsigned int const* vertices) {
+    PrimitiveTest<Test, is_quad> const test = load_at_rest<Test, is_quad>(data, vertices);
     int const last = query.rays.get_last_active();
     int ray = query.rays.get_first_active();
     for (; ray < last; ray += lane_count) {
@@ -129,6 +140,19 @@ void trace_at_rest(RayQuery const& query, GeometryPointCloudData const& data,
     }
     if (ray == last) {
         test.template trace<false>(query, static_cast<unsigned int>(ray));
+    }
+}
+
+// A single ray, as most are, does without the registers and the stack of four.
+template <typename Test, bool is_quad>
+void trace_at_rest(RayQuery const& query, GeometryPointCloudData const& data,
+                   unsigned int const* vertices) {
+    int const ray = query.rays.get_first_active();
+    if (ray == query.rays.get_last_active()) {
+        load_at_rest<Test, is_quad>(data, vertices)
+            .template trace<false>(query, static_cast<unsigned int>(ray));
+    } else {
+        trace_packet_at_rest<Test, is_quad>(query, data, vertices);
     }
 }
 
@@ -144,8 +168,8 @@ void trace_in_motion(RayQuery const& query, GeometryPointCloudData const& data,
                                positions);
         GMathVec3<float> corners[4];
         fetch_positions(positions, vertices, is_quad ? 4 : 3, corners);
-        PrimitiveTest<Test, is_quad>(corners).template trace<true>(query,
-                                                                   static_cast<unsigned int>(ray));
+        PrimitiveTest<Test, is_quad> const test([&](unsigned int const& k) { return corners[k]; });
+        test.template trace<true>(query, static_cast<unsigned int>(ray));
     }
 }
 
