@@ -168,8 +168,8 @@ bool verify_place(PolyMesh const& mesh, ToolVerifySurface const& surface,
                   AppProgressBar& progress, ToolMessages& messages, PlaceReport& report) {
     ToolVerifyStage const stage(mesh, report.place);
     report.bound_fault_count = count_bound_faults(stage);
-    if (!shoots_rays) {
-        return true;
+    if (!shoots_rays || is_interrupted()) {
+        return !is_interrupted();
     }
     CtxEval const ctx(&stage.get_shader_ctx());
     std::unique_ptr<ToolHitSearch> const search = make_embree_search(

@@ -1,5 +1,6 @@
 #include <tools/qzpoly/models/extent.h>
 #include <tools/qzpoly/pictures/hit_search.h>
+#include <tools/qzpoly/terminal/terminal.h>
 
 #include <embree3/rtcore.h>
 
@@ -94,6 +95,8 @@ bool EmbreeSearch::build(unsigned int const& thread_count) {
     measure_padding();
     m_scene = rtcNewScene(m_device);
     rtcSetSceneFlags(m_scene, RTC_SCENE_FLAG_ROBUST);
+    rtcSetSceneProgressMonitorFunction(
+        m_scene, [](void*, double) { return !is_interrupted(); }, nullptr);
     RTCGeometry const geometry = rtcNewGeometry(m_device, RTC_GEOMETRY_TYPE_USER);
     rtcSetGeometryUserPrimitiveCount(geometry, m_geometry.get_primitive_count());
     rtcSetGeometryTimeStepCount(geometry,

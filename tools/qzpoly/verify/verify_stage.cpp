@@ -2,6 +2,7 @@
 
 #include <tools/qzpoly/models/extent.h>
 #include <tools/qzpoly/models/motion.h>
+#include <tools/qzpoly/terminal/terminal.h>
 
 #include <algorithm>
 #include <cmath>
@@ -145,7 +146,7 @@ bool has_finite_corners(PolyMesh const& mesh) {
 unsigned long long count_bound_faults(ToolVerifyStage const& stage) {
     CoreArray<unsigned int> const corners = get_corners(stage.get_mesh());
     unsigned long long fault_count = 0;
-    for (unsigned int i = 0; i < bound_time_count; ++i) {
+    for (unsigned int i = 0; i < bound_time_count && !is_interrupted(); ++i) {
         double const time = static_cast<double>(i) / (bound_time_count - 1) - 0.5;
         fault_count += count_bound_faults_at(stage, corners, time);
     }

@@ -56,5 +56,6 @@ bool can_be_staged(PolyMesh const& mesh);
 bool has_finite_corners(PolyMesh const& mesh);
 
 // At 33 times, how often a corner of a primitive, as rays see it, lies outside of the box of the
-// primitive or of the mesh. Corners that are no numbers have no place in either.
+// primitive or of the mesh. Corners that are no numbers have no place in either. An interrupt ends
+// it.
 unsigned long long count_bound_faults(ToolVerifyStage const& stage);
