@@ -17,8 +17,9 @@ constexpr unsigned int level_bits = 4;
 constexpr PlanePoint free_slot = {std::numeric_limits<float>::quiet_NaN(),
                                   std::numeric_limits<float>::quiet_NaN()};
 
-constexpr std::size_t get_group_count(std::size_t const& count) {
-    return (count + fan_out - 1) / fan_out;
+constexpr std::size_t get_group_count(std::size_t const& count,
+                                      unsigned int const& group_size = fan_out) {
+    return (count + group_size - 1) / group_size;
 }
 
 std::size_t get_node_count(std::size_t const& leaf_count) {
@@ -34,8 +35,8 @@ std::size_t get_node_count(std::size_t const& leaf_count) {
 }  // namespace
 
 std::size_t CornerTree::get_scratch_size(std::size_t const& count) {
-    std::size_t const leaf_count = get_group_count(count);
-    std::size_t const slot_count = leaf_count * fan_out;
+    std::size_t const leaf_count = get_group_count(count, leaf_size);
+    std::size_t const slot_count = leaf_count * leaf_size;
     std::size_t const node_count = get_node_count(leaf_count);
     return ScratchBlock::get_size<Leaf>(leaf_count) +
            ScratchBlock::get_size<unsigned int>(slot_count) +
@@ -49,10 +50,10 @@ void CornerTree::build(PlanePoint const* points, unsigned int const* indices,
                        unsigned int const& count, ScratchBlock& scratch) {
     m_points = points;
     m_count = count;
-    std::size_t const leaf_count = get_group_count(m_count);
+    std::size_t const leaf_count = get_group_count(m_count, leaf_size);
     std::size_t const node_count = get_node_count(leaf_count);
     m_leaves = scratch.take<Leaf>(leaf_count);
-    m_uses = scratch.take<unsigned int>(leaf_count * fan_out);
+    m_uses = scratch.take<unsigned int>(leaf_count * leaf_size);
     m_slots = scratch.take<unsigned int>(m_count);
     m_leaf_sizes = scratch.take<unsigned char>(leaf_count);
     m_nodes = scratch.take<CornerBoxes>(node_count);
@@ -95,12 +96,13 @@ void CornerTree::fill_slots(PlacedCorner const* placed, unsigned int const& plac
         ++m_uses[count - 1];
     }
     m_slot_count = count;
-    for (unsigned int slot = count; slot % fan_out != 0; ++slot) {
+    for (unsigned int slot = count; slot % leaf_size != 0; ++slot) {
         set_slot_point(slot, free_slot);
     }
-    m_leaf_count = static_cast<unsigned int>(get_group_count(count));
+    m_leaf_count = static_cast<unsigned int>(get_group_count(count, leaf_size));
     for (unsigned int leaf = 0; leaf < m_leaf_count; ++leaf) {
-        m_leaf_sizes[leaf] = static_cast<unsigned char>(std::min(count - leaf * fan_out, fan_out));
+        m_leaf_sizes[leaf] =
+            static_cast<unsigned char>(std::min(count - leaf * leaf_size, leaf_size));
     }
 }
 
@@ -129,9 +131,9 @@ void CornerTree::fill_node_level(unsigned int const& level, unsigned int const& 
             continue;
         }
         if (level == 0) {
-            unsigned int const end = std::min(m_slot_count - child * fan_out, fan_out);
+            unsigned int const end = std::min(m_slot_count - child * leaf_size, leaf_size);
             for (unsigned int j = 0; j < end; ++j) {
-                boxes.include(k, get_slot_point(child * fan_out + j));
+                boxes.include(k, get_slot_point(child * leaf_size + j));
             }
         } else {
             CornerBoxes const& inner = m_nodes[m_level_begins[level - 1] + child];
@@ -152,7 +154,7 @@ unsigned int CornerTree::remove(unsigned int const& corner) {
         return no_slot;
     }
     set_slot_point(slot, free_slot);
-    unsigned int child = slot / fan_out;
+    unsigned int child = slot / leaf_size;
     if (--m_leaf_sizes[child] != 0) {
         return slot;
     }
@@ -189,9 +191,13 @@ class CornerTree::Ear {
     unsigned int find_met_places(unsigned int const& leaf, float const* x, float const* y) const {
         unsigned int own = 0;
         for (unsigned int const slot : m_slots) {
-            own |= slot / fan_out == leaf ? 1u << (slot % fan_out) : 0u;
+            own |= slot / leaf_size == leaf ? 1u << (slot % leaf_size) : 0u;
         }
-        return m_reach.find_met_points(x, y) & ~own;
+        unsigned int met = 0;
+        for (unsigned int k = 0; k < leaf_size; k += lane_group_size) {
+            met |= m_reach.find_met_points(x + k, y + k) << k;
+        }
+        return met & ~own;
     }
 
     bool contains(PlanePoint const& p) const { return m_triangle.contains(p); }
@@ -235,7 +241,7 @@ unsigned int CornerTree::find_blocker(unsigned int const& a, unsigned int const&
 }
 
 unsigned int CornerTree::find_in_leaf(Ear const& ear, unsigned int const& leaf) const {
-    unsigned int const first = leaf * fan_out;
+    unsigned int const first = leaf * leaf_size;
     unsigned int places = ear.find_met_places(leaf, m_leaves[leaf].x, m_leaves[leaf].y);
     for (; places != 0; places &= places - 1) {
         unsigned int const slot = first + static_cast<unsigned int>(std::countr_zero(places));
@@ -253,12 +259,12 @@ bool CornerTree::is_blocker(unsigned int const& slot, unsigned int const& a, uns
 }
 
 PlanePoint CornerTree::get_slot_point(unsigned int const& slot) const {
-    Leaf const& leaf = m_leaves[slot / fan_out];
-    return {leaf.x[slot % fan_out], leaf.y[slot % fan_out]};
+    Leaf const& leaf = m_leaves[slot / leaf_size];
+    return {leaf.x[slot % leaf_size], leaf.y[slot % leaf_size]};
 }
 
 void CornerTree::set_slot_point(unsigned int const& slot, PlanePoint const& p) {
-    Leaf& leaf = m_leaves[slot / fan_out];
-    leaf.x[slot % fan_out] = p.x;
-    leaf.y[slot % fan_out] = p.y;
+    Leaf& leaf = m_leaves[slot / leaf_size];
+    leaf.x[slot % leaf_size] = p.x;
+    leaf.y[slot % leaf_size] = p.y;
 }

@@ -6,11 +6,11 @@
 
 // Finds a vertex that blocks an ear among many in about the time that the few near the ear take.
 //
-// Vertices are laid out along a curve through the plane; eight that follow one another make a leaf,
-// eight leaves or nodes a node, which holds their boxes. A search leaves out boxes that the ear's
-// own tests prove free of blockers (corner_boxes.h), and asks those tests of the vertices in the
-// rest. Each has one slot however many corners it has, so that at most three are in an ear and yet
-// no blockers, being its own.
+// Vertices are laid out along a curve through the plane; sixteen that follow one another make a
+// leaf, eight leaves or nodes a node, which holds their boxes. A search leaves out boxes that the
+// ear's own tests prove free of blockers (corner_boxes.h), and asks those tests of the vertices in
+// the rest. Each has one slot however many corners it has, so that at most three are in an ear and
+// yet no blockers, being its own.
 class CornerTree {
   public:
     // What find_blocker and remove return for none.
@@ -42,10 +42,12 @@ class CornerTree {
   private:
     class Ear;
 
+    static constexpr unsigned int leaf_size = 2 * lane_group_size;
+
     // NaN in free slots, which no ear contains.
     struct Leaf {
-        float x[lane_group_size];
-        float y[lane_group_size];
+        float x[leaf_size];
+        float y[leaf_size];
     };
 
     unsigned int place_corners(PlacedCorner* placed);
@@ -57,7 +59,7 @@ class CornerTree {
     PlanePoint get_slot_point(unsigned int const& slot) const;
     void set_slot_point(unsigned int const& slot, PlanePoint const& p);
 
-    // Leaves for 2^32 corners need this many levels of nodes, the highest of four.
+    // Leaves for 2^32 corners need this many levels of nodes, the highest of two.
     static constexpr unsigned int max_level_count = 9;
 
     PlanePoint const* m_points = nullptr;
