@@ -25,14 +25,16 @@ void PolyMesh::build_support_info(AppProgressBar* progress) {
     unsigned int* const carriers = primitives.get_data();
     GMathVec2<float>* const places = uvs.get_data();
     PrimitiveReader(*m_topology)
-        .visit_all(primitive_count, [&](unsigned int const& primitive, unsigned int const* vertices,
-                                        unsigned int const& count) {
-            unsigned int const first_place = count == 4 ? 0 : triangle_place;
-            for (unsigned int k = 0; k < count; ++k) {
-                carriers[vertices[k]] = primitive;
-                places[vertices[k]].x = static_cast<float>(first_place + k);
+        .visit_all(primitive_count, [&](unsigned int const& first, unsigned int const* vertices,
+                                        unsigned int const& size, unsigned int const& count) {
+            unsigned int const first_place = size == 4 ? 0 : triangle_place;
+            for (unsigned int i = 0; i < count; ++i, vertices += size) {
+                for (unsigned int k = 0; k < size; ++k) {
+                    carriers[vertices[k]] = first + i;
+                    places[vertices[k]].x = static_cast<float>(first_place + k);
+                }
             }
-            step(progress, primitive + 1);
+            step_through(progress, first, first + count);
         });
     for (GMathVec2<float>& uv : uvs) {
         uv = places_on_primitive[static_cast<unsigned int>(uv.x)];

@@ -78,6 +78,8 @@ inline unsigned int get_primitive_vertices(PolyMeshTopology const& topology,
 // The same for loops over all primitives.
 class PrimitiveReader {
   public:
+    static constexpr unsigned int run_length = 8;
+
     explicit PrimitiveReader(PolyMeshTopology const& topology)
         : m_infos(topology.primitive_infos.get_data()),
           m_offsets(topology.primitive_index_offsets),
@@ -119,7 +121,8 @@ class PrimitiveReader {
     }
     unsigned int get_vertex(unsigned int const& corner_id) const { return m_vertices[corner_id]; }
 
-    // Calls visit(primitive, vertices, count) for each of the first `primitive_count`, in order.
+    // Calls visit(first, vertices, size, count) for the first `primitive_count`, in order: for one,
+    // or for `run_length` of them, with the vertices of `size` corners each.
     template <typename Visit>
     void visit_all(unsigned int const& primitive_count, Visit const& visit) const {
         unsigned int run[4 * run_length] = {};
@@ -130,17 +133,15 @@ class PrimitiveReader {
             if (size == 0) {
                 unsigned int vertices[4];
                 unsigned int const count = get_vertices(primitive, vertices);
-                visit(primitive++, vertices, count);
-            }
-            for (unsigned int k = 0; k < run_length * size; k += size) {
-                visit(primitive++, run + k, size);
+                visit(primitive++, vertices, count, 1u);
+            } else {
+                visit(primitive, run, size, run_length);
+                primitive += run_length;
             }
         }
     }
 
   private:
-    static constexpr unsigned int run_length = 8;
-
     // The vertices of a run of primitives from `first` on, if these are whole polygons of as many
     // corners, one after the other, as most are: how many corners each has. Else 0.
     unsigned int get_run(unsigned int const& first,

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr unsigned int batch_size = TriangleNormals::count;
-
 using Lanes = GMathFloatLanes;
 using VectorLanes = GMathVec3<Lanes>;  // a vector in each lane
 using DoubleLanes = double __attribute__((vector_size(32)));
@@ -32,9 +30,10 @@ void store(VectorLanes const& v, Lanes const& fourth, float (*rows)[4]) {
     gmath_store(__builtin_shufflevector(xy23, zw23, 2, 3, 6, 7), rows[3]);
 }
 
+// The positions of every third vertex.
 VectorLanes load(GMathVec3<float> const* positions, unsigned int const* vertices) {
-    return gmath_lanes(positions[vertices[0]], positions[vertices[1]], positions[vertices[2]],
-                       positions[vertices[3]]);
+    return gmath_lanes(positions[vertices[0]], positions[vertices[3]], positions[vertices[6]],
+                       positions[vertices[9]]);
 }
 
 void store_weighted(VectorLanes const& normal, Lanes const& cosine, float (*rows)[4]) {
@@ -123,10 +122,10 @@ QZ_POLY_AVX2_INLINE __m256 load_pair(float const* positions, unsigned int const&
 }
 
 QZ_POLY_AVX2_INLINE WideVectors load(float const* positions, unsigned int const* v) {
-    __m256 const p0 = load_pair(positions, v[0], v[4]);
-    __m256 const p1 = load_pair(positions, v[1], v[5]);
-    __m256 const p2 = load_pair(positions, v[2], v[6]);
-    __m256 const p3 = load_pair(positions, v[3], v[7]);
+    __m256 const p0 = load_pair(positions, v[0], v[12]);
+    __m256 const p1 = load_pair(positions, v[3], v[15]);
+    __m256 const p2 = load_pair(positions, v[6], v[18]);
+    __m256 const p3 = load_pair(positions, v[9], v[21]);
     __m256 const xy01 = _mm256_unpacklo_ps(p0, p1);
     __m256 const xy23 = _mm256_unpacklo_ps(p2, p3);
     return {_mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0)),
@@ -176,13 +175,12 @@ QZ_POLY_AVX2_INLINE void store_weighted(WideVectors const& normal, __m256 const&
           _mm256_setzero_ps(), rows);
 }
 
-QZ_POLY_AVX2 void compute_eight(GMathVec3<float> const* positions,
-                                unsigned int const (&corners)[3][batch_size],
+QZ_POLY_AVX2 void compute_eight(GMathVec3<float> const* positions, unsigned int const* vertices,
                                 TriangleNormals& out) {
     float const* const points = reinterpret_cast<float const*>(positions);
-    WideVectors const a = load(points, corners[0]);
-    WideVectors const b = load(points, corners[1]);
-    WideVectors const c = load(points, corners[2]);
+    WideVectors const a = load(points, vertices);
+    WideVectors const b = load(points, vertices + 1);
+    WideVectors const c = load(points, vertices + 2);
     WideVectors const edge_ab = subtract(b, a);
     WideVectors const edge_bc = subtract(c, b);
     WideVectors const edge_ca = subtract(a, c);
@@ -205,11 +203,12 @@ QZ_POLY_AVX2 void compute_eight(GMathVec3<float> const* positions,
 
 }  // namespace
 
-void compute_triangle_normals(GMathVec3<float> const* positions,
-                              unsigned int const (&corners)[3][batch_size], TriangleNormals& out) {
-    for (unsigned int first = 0; first < batch_size; first += 4) {
-        compute_four(load(positions, corners[0] + first), load(positions, corners[1] + first),
-                     load(positions, corners[2] + first), first, out);
+void compute_triangle_normals(GMathVec3<float> const* positions, unsigned int const* vertices,
+                              TriangleNormals& out) {
+    for (unsigned int first = 0; first < TriangleNormals::count; first += 4) {
+        unsigned int const* const v = vertices + 3 * first;
+        compute_four(load(positions, v), load(positions, v + 1), load(positions, v + 2), first,
+                     out);
     }
 }
 

@@ -15,15 +15,13 @@ struct TriangleNormals {
     float areas[count][4];
 };
 
-// `corners` are the vertices of triangle k in entry k of each. All entries are read.
+// `vertices` are three of each triangle, one triangle after the other.
 using ComputeTriangleNormals = void (*)(GMathVec3<float> const* positions,
-                                        unsigned int const (&corners)[3][TriangleNormals::count],
-                                        TriangleNormals& out);
+                                        unsigned int const* vertices, TriangleNormals& out);
 
 // Side by side, four at a time. Every lane is rounded as the scalar operation is, so all ways give
 // the same bits.
-void compute_triangle_normals(GMathVec3<float> const* positions,
-                              unsigned int const (&corners)[3][TriangleNormals::count],
+void compute_triangle_normals(GMathVec3<float> const* positions, unsigned int const* vertices,
                               TriangleNormals& out);
 // The same way, or eight at a time where the processor can.
 ComputeTriangleNormals get_fastest_triangle_normals();

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 
 namespace {
 
@@ -21,36 +20,53 @@ class NormalSummer {
     // `group` may be null.
     void add(unsigned int const& a, unsigned int const& b, unsigned int const& c,
              PolyMeshNormalSum* group) {
-        m_corners[0][m_count] = a;
-        m_corners[1][m_count] = b;
-        m_corners[2][m_count] = c;
+        m_vertices[3 * m_count] = a;
+        m_vertices[3 * m_count + 1] = b;
+        m_vertices[3 * m_count + 2] = c;
         m_groups[m_count] = group;
-        if (++m_count == TriangleNormals::count) {
-            sum_up();
+        if (++m_count == batch_size) {
+            m_count = 0;
+            sum_up(m_vertices, batch_size);
         }
     }
 
-    // Sums up those that are left, with the first of them in the places beyond.
+    // Adds eight, of the groups `get_group(k)`, from where their vertices are. False, and nothing
+    // is added, while others are waiting.
+    template <typename GetGroup>
+    bool add_eight(unsigned int const* vertices, GetGroup const& get_group) {
+        if (m_count != 0) {
+            return false;
+        }
+        for (unsigned int k = 0; k < batch_size; ++k) {
+            m_groups[k] = get_group(k);
+        }
+        sum_up(vertices, batch_size);
+        return true;
+    }
+
+    // Sums up those that are left, with the last of them in the places beyond.
     void finish() {
         if (m_count != 0) {
-            for (unsigned int(&corner)[TriangleNormals::count] : m_corners) {
-                std::fill(corner + m_count, std::end(corner), corner[0]);
+            for (unsigned int i = 3 * m_count; i < 3 * batch_size; ++i) {
+                m_vertices[i] = m_vertices[i - 3];
             }
-            sum_up();
+            sum_up(m_vertices, m_count);
         }
         change_group(nullptr);
     }
 
   private:
-    [[gnu::noinline]] void sum_up() {
+    static constexpr unsigned int batch_size = TriangleNormals::count;
+
+    [[gnu::noinline]] void sum_up(unsigned int const* vertices, unsigned int const& batch_count) {
         TriangleNormals normals;
-        m_compute(m_positions, m_corners, normals);
-        unsigned int const count = m_count;
+        m_compute(m_positions, vertices, normals);
+        unsigned int const count = batch_count;
         Vec3* const sums = m_sums;  // not to be read again after each write
         for (unsigned int k = 0; k < count; ++k) {
-            gmath_add_to(gmath_lanes(normals.weighted[0][k]), &sums[m_corners[0][k]].x);
-            gmath_add_to(gmath_lanes(normals.weighted[1][k]), &sums[m_corners[1][k]].x);
-            gmath_add_to(gmath_lanes(normals.weighted[2][k]), &sums[m_corners[2][k]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[0][k]), &sums[vertices[3 * k]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[1][k]), &sums[vertices[3 * k + 1]].x);
+            gmath_add_to(gmath_lanes(normals.weighted[2][k]), &sums[vertices[3 * k + 2]].x);
         }
         GMathFloatLanes sum = m_group_sum;
         for (unsigned int k = 0; k < count; ++k) {
@@ -63,7 +79,6 @@ class NormalSummer {
             sum += gmath_lanes(normals.areas[k]);
         }
         m_group_sum = sum;
-        m_count = 0;
     }
 
     // The sum of the group at hand is kept aside until another one's turn comes.
@@ -81,8 +96,8 @@ class NormalSummer {
     Vec3 const* m_positions;
     Vec3* m_sums;
     unsigned int m_count = 0;
-    unsigned int m_corners[3][TriangleNormals::count];
-    PolyMeshNormalSum* m_groups[TriangleNormals::count];
+    unsigned int m_vertices[3 * batch_size];
+    PolyMeshNormalSum* m_groups[batch_size];
     PolyMeshNormalSum* m_group = nullptr;
     GMathFloatLanes m_group_sum = {};
 };
@@ -170,16 +185,22 @@ void compute_vertex_normals(PolyMeshTopology const& topology,
     NormalSummer summer(positions.get_data(), normals.get_data());
     GroupSums groups(topology, geometry);
     set_step_count(progress, primitive_count);
-    PrimitiveReader(topology).visit_all(
-        primitive_count,
-        [&](unsigned int const& primitive, unsigned int const* v, unsigned int const& count) {
-            PolyMeshNormalSum* const group = groups.get_next(primitive);
-            summer.add(v[0], v[1], v[2], group);
-            if (count == 4) {
-                summer.add(v[0], v[2], v[3], group);
+    auto const add_run = [&](unsigned int const& first, unsigned int const* v,
+                             unsigned int const& size, unsigned int const& count) {
+        auto const get_group = [&](unsigned int const& k) { return groups.get_next(first + k); };
+        bool const is_batch = size == 3 && count == TriangleNormals::count;
+        if (!is_batch || !summer.add_eight(v, get_group)) {
+            for (unsigned int k = 0; k < count; ++k, v += size) {
+                PolyMeshNormalSum* const group = get_group(k);
+                summer.add(v[0], v[1], v[2], group);
+                if (size == 4) {
+                    summer.add(v[0], v[2], v[3], group);
+                }
             }
-            step(progress, primitive + 1);
-        });
+        }
+        step_through(progress, first, first + count);
+    };
+    PrimitiveReader(topology).visit_all(primitive_count, add_run);
     summer.finish();
     finish_sums(geometry);
 }

@@ -162,14 +162,13 @@ TEST(MeshNormals, AreTheSameByEveryProcessor) {
                                             : static_cast<float>(random()) / 0x1p31f - 1.0f;
             }
         }
-        unsigned int corners[3][TriangleNormals::count];
-        for (auto& row : corners) {
-            std::generate(std::begin(row), std::end(row),
-                          [&] { return static_cast<unsigned int>(random() % 10); });
+        unsigned int vertices[3 * TriangleNormals::count];
+        for (unsigned int& vertex : vertices) {
+            vertex = static_cast<unsigned int>(random() % 10);
         }
         TriangleNormals plain, fast;
-        compute_triangle_normals(points.data(), corners, plain);
-        get_fastest_triangle_normals()(points.data(), corners, fast);
+        compute_triangle_normals(points.data(), vertices, plain);
+        get_fastest_triangle_normals()(points.data(), vertices, fast);
         for (unsigned int i = 0; i < sizeof plain / sizeof(float); ++i) {
             ASSERT_EQ(bits((&plain.weighted[0][0][0])[i]), bits((&fast.weighted[0][0][0])[i]))
                 << round << " " << i;
