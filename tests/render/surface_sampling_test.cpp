@@ -99,7 +99,7 @@ TEST(SurfaceSampling, MovesPastThresholds) {
 
 template <typename T>
 bool have_same_bits(T const& a, T const& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::memcmp(&a, &b, sizeof a) == 0;  // NOLINT(bugprone-*): bits count
 }
 
 void check_sample(PolyMesh const& mesh, GeometryFragment const& fragment, PlainPlace const& place) {
