@@ -95,8 +95,6 @@ bool EmbreeSearch::build(unsigned int const& thread_count) {
     measure_padding();
     m_scene = rtcNewScene(m_device);
     rtcSetSceneFlags(m_scene, RTC_SCENE_FLAG_ROBUST);
-    rtcSetSceneProgressMonitorFunction(
-        m_scene, [](void*, double) { return !is_interrupted(); }, nullptr);
     RTCGeometry const geometry = rtcNewGeometry(m_device, RTC_GEOMETRY_TYPE_USER);
     rtcSetGeometryUserPrimitiveCount(geometry, m_geometry.get_primitive_count());
     rtcSetGeometryTimeStepCount(geometry,
@@ -108,6 +106,8 @@ bool EmbreeSearch::build(unsigned int const& thread_count) {
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(m_scene, geometry);
     rtcReleaseGeometry(geometry);
+    rtcSetSceneProgressMonitorFunction(
+        m_scene, [](void*, double) { return !is_interrupted(); }, nullptr);
     rtcCommitScene(m_scene);
     return rtcGetDeviceError(m_device) == RTC_ERROR_NONE;
 }
