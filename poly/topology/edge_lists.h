@@ -16,40 +16,39 @@ template <typename Edge>
 class EdgeLists {
   public:
     // Vertices are below `vertex_count`.
-    explicit EdgeLists(unsigned int const& vertex_count) : m_list_ends(vertex_count) {
-        m_list_ends.fill(0);
+    explicit EdgeLists(unsigned int const& vertex_count) : m_lists(vertex_count) {
+        m_lists.fill({0, 0});
     }
 
     // First for every edge: its vertices, which differ.
     void count(unsigned int const& a, unsigned int const& b) {
-        assert(a != b && std::max(a, b) < m_list_ends.get_count());
-        ++m_list_ends[std::min(a, b)];
+        assert(a != b && std::max(a, b) < m_lists.get_count());
+        ++m_lists[std::min(a, b)].end;
     }
     void finish_counting() {
         unsigned int sum = 0;
-        for (unsigned int& end : m_list_ends) {
+        for (List& list : m_lists) {
             unsigned int const begin = sum;
-            sum += end;
-            end = begin;  // moves on with each edge that is added
+            sum += list.end;
+            list.end = begin;  // moves on with each edge that is added
         }
         m_listed.reset(sum);
     }
     // Then for every edge again.
     void add(unsigned int const& a, unsigned int const& b, Edge const& edge) {
-        m_listed[m_list_ends[std::min(a, b)]++] = {std::max(a, b), edge};
+        m_listed[m_lists[std::min(a, b)].end++] = {std::max(a, b), edge};
     }
 
     // Calls `link(edge, first)` for every edge, the edges of one pair of vertices in the order in
     // which they were added; the first of them is linked with itself.
     template <typename Link>
     void link_all(Link const& link) {
-        CoreArray<unsigned int> firsts(m_list_ends.get_count());  // place + 1, by vertex
-        firsts.fill(0);
         unsigned int begin = 0;
-        for (unsigned int const end : m_list_ends) {
+        for (List const& list : m_lists) {
+            unsigned int const end = list.end;
             for (unsigned int place = begin; place < end; ++place) {
                 Listed const& listed = m_listed[place];
-                unsigned int& first = firsts[listed.greater];
+                unsigned int& first = m_lists[listed.greater].first;
                 first = first > begin ? first : place + 1;  // those before are of earlier lists
                 link(listed.edge, m_listed[first - 1].edge);
             }
@@ -63,6 +62,12 @@ class EdgeLists {
         Edge edge;
     };
 
-    CoreArray<unsigned int> m_list_ends;  // by lesser vertex
+    // Of a vertex: where its list ends, and where it first is in the list that is gone through.
+    struct List {
+        unsigned int end;
+        unsigned int first;  // place + 1, or one of an earlier list
+    };
+
+    CoreArray<List> m_lists;  // by lesser vertex
     CoreArray<Listed> m_listed;
 };
