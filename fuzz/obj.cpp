@@ -48,18 +48,18 @@ ObjMesh load(std::string_view const& text, unsigned int const& block_size) {
                                                                           : ObjMesh();
 }
 
-// What is read hangs neither on where the blocks of a file end nor on blanks at the ends of lines,
-// with which no short cut is taken.
+// What is read hangs neither on where the blocks of a file end nor on blanks at the beginnings of
+// lines, with which no short cut is taken.
 void compare_ways_of_reading(std::string_view const& text) {
     ObjMesh const whole = load(text, 1u << 16);
     require(is_same(whole, load(text, static_cast<unsigned int>(1 + text.size() % 61))),
             "a file reads the same in blocks of any size");
     std::string padded;
     for (char const character : text) {
-        padded += character == '\n' ? " \n" : std::string(1, character);
+        padded += character == '\n' ? "\n " : std::string(1, character);
     }
     require(is_same(whole, load(padded, 1u << 16)),
-            "a file reads the same with blanks at the ends of its lines");
+            "a file reads the same with blanks in front of its lines");
 }
 
 }  // namespace

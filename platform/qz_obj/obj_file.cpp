@@ -59,6 +59,7 @@ bool read_mesh(CoreString const& path, ObjLimits const& limits, ObjProgress& pro
     if (!file.open(path, SysFile::MODE_READ)) {
         return report.refuse_file(file.get_error().get_view());
     }
+    file.set_stop([&progress] { return progress.is_stopped(); });
     ObjBuilder builder(limits, progress);
     builder.reserve(file.get_size());
     ObjParser parser(builder, report);

@@ -56,7 +56,8 @@ char const* ObjParser::read(ObjText const& text) {
 bool ObjParser::step() {
     switch (m_mode) {
     case LINE:
-        if (m_builder.make_room_for_faces(static_cast<std::size_t>(m_text.end - m_at))) {
+        if (!m_is_after_backslash &&
+            m_builder.make_room_for_faces(static_cast<std::size_t>(m_text.end - m_at))) {
             m_at = obj_read_plain_lines(m_text, m_at, m_builder, m_report.line);
         }
         if (m_at < m_text.end) {
@@ -95,6 +96,11 @@ bool ObjParser::step() {
     return found != CUT;
 }
 
+// Behind the # at `at` stands a letter of INF, IND, NAN, QNAN or SNAN, or what the next text tells.
+bool ObjParser::is_marked(char const* at) const {
+    return at + 1 >= m_text.end || std::string_view("INQS").find(at[1]) != std::string_view::npos;
+}
+
 // Finds the next word of a statement and steps over it. END: the line or the text ends at m_at, or
 // a comment begins there. CUT: the word that begins at m_at reaches past the text; or the file is
 // refused.
@@ -128,7 +134,8 @@ ObjParser::Found ObjParser::find_word(std::string_view& word) {
     }
     char const* end = m_at;
     // 1.#INF is a number; any other # begins a comment.
-    while (obj_get_byte(end) == ObjByte::WORD || (*end == '#' && end[-1] == '.')) {
+    while (obj_get_byte(end) == ObjByte::WORD ||
+           (*end == '#' && end[-1] == '.' && is_marked(end))) {
         ++end;
     }
     if (end >= m_text.end) {

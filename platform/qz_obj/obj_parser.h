@@ -29,6 +29,7 @@ class ObjParser {
     enum Found { WORD, END, CUT };
 
     bool step();
+    bool is_marked(char const* at) const;
     Found find_word(std::string_view& word);
     void begin_statement();
     void dispatch(std::string_view const& keyword);

@@ -40,6 +40,7 @@ inline std::vector<ObjRefusal> list_obj_refusals() {
         {"v 1 2 .\n", 1, "not a number: '.'"},
         {"v 1 2 3\nvn 1 2 \xC3\xA9\n", 2, "not a number: '?\?'"},
         {"v 1 2 \\3\n", 1, "backslash"},
+        {"# 3456\n\\v 1 2 3\n", 2, "backslash"},  // a block of 8 bytes ends behind it
         {"4v;f 1 2 0\n", 5, "'0'"},
         {"4v;f 1 2 -5\n", 5, "'-5'"},
         {"4v;f 1 2 3\nf 1 2 5\nf 1 2 3\n", 6, "names point 5, but there are only 4"},
