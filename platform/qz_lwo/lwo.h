@@ -36,7 +36,7 @@ class QZ_LWO_EXPORT Lwo {
     // counting the time that one read of the file and the release of memory take.
     //
     // Memory: the outputs, the file, and for hostile files up to 12 times the file's size. Maps
-    // whose lists of corners take more than 64 MiB plus 16 times the file's size are refused.
+    // whose lists of corners take more than 64 MiB plus 8 times the file's size are refused.
     static bool load(CoreString const& path, CoreString const& item_name,
                      CoreArray<GMathVec3<float>>& positions,
                      CoreArray<unsigned int>& polygon_vertex_indices,

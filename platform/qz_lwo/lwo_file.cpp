@@ -26,6 +26,7 @@ bool LwoFile::read(CoreString const& path, LwoReport& report) {
     if (!file.open(path, SysFile::MODE_READ)) {
         return refuse_reading(file, report);
     }
+    file.set_stop([&report] { return report.is_stopped(); });
     unsigned long long wanted = lwo_form_header_size;
     std::size_t const file_size = static_cast<std::size_t>(file.get_size());
     while (m_size < wanted) {

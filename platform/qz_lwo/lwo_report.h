@@ -41,6 +41,7 @@ class LwoReport {
 
     // Reading the file takes `file_size` units of work, and so does making the mesh of it.
     void set_file_size(unsigned long long const& file_size) { m_work = 2 * file_size; }
+    bool is_stopped() const { return m_progress && m_progress->is_stop_requested(); }
     // `bytes` more are done; false when a stop was requested.
     bool advance(unsigned long long const& bytes);
 

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,11 +13,20 @@ namespace {
 
 constexpr std::size_t largest_transfer = 1u << 30;  // below the limit of every read and write call
 constexpr int longest_wait = 2000;                  // milliseconds, for a writer to come
+constexpr int one_wait = 50;                        // milliseconds, between looks at a stop
 
-// False when there is nothing new until then; a negative time never ends.
-bool wait_for_bytes(int const& descriptor, int const& milliseconds) {
+bool is_true(std::function<bool()> const& question) { return question && question(); }
+
+// False when there is nothing new until then, or when it is to stop.
+bool wait_for_bytes(int const& descriptor, int const& milliseconds,
+                    std::function<bool()> const& is_stopped) {
     pollfd pipe = {descriptor, POLLIN, 0};
-    return ::poll(&pipe, 1, milliseconds) != 0;
+    for (int left = milliseconds; left > 0 && !is_true(is_stopped); left -= one_wait) {
+        if (::poll(&pipe, 1, std::min(left, one_wait)) != 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace
@@ -60,9 +70,12 @@ std::size_t SysFile::read(void* buffer, std::size_t const& size) {
             done += static_cast<std::size_t>(count);
             m_is_unwritten_pipe = false;
         } else if (count < 0 && errno == EAGAIN) {
-            wait_for_bytes(m_descriptor, -1);
+            if (!wait_for_bytes(m_descriptor, std::numeric_limits<int>::max(), m_is_stopped)) {
+                break;
+            }
         } else if (count == 0 && m_is_unwritten_pipe) {
-            is_abandoned = !wait_for_bytes(m_descriptor, longest_wait);
+            is_abandoned =
+                !wait_for_bytes(m_descriptor, longest_wait, m_is_stopped) && !is_true(m_is_stopped);
             m_is_unwritten_pipe = false;
         } else if (count == 0 || errno != EINTR) {
             if (count < 0) {

@@ -4,6 +4,7 @@
 #include <platform/qz_sys/export.h>
 
 #include <cstddef>
+#include <functional>
 
 // An open file, read or written from front to back. Closed by the destructor; not copyable.
 class QZ_SYS_EXPORT SysFile {
@@ -23,8 +24,11 @@ class QZ_SYS_EXPORT SysFile {
     bool open(CoreString const& path, Mode const& mode);
 
     // Reads up to `size` bytes and returns how many: fewer only at the end of the file or after an
-    // error, which `has_failed` tells apart. A pipe to which nobody writes within 2 seconds is one.
+    // error, which `has_failed` tells apart, or when `set_stop` has it so. A pipe that nobody opens
+    // to write to within 2 seconds is an error.
     std::size_t read(void* buffer, std::size_t const& size);
+    // While `read` waits for a pipe, it asks `is_stopped` every 50 milliseconds and ends if so.
+    void set_stop(std::function<bool()> const& is_stopped) { m_is_stopped = is_stopped; }
     // Writes all bytes; false on an error.
     bool write(void const* bytes, std::size_t const& size);
     // False when bytes written earlier could not be stored. Closing twice is fine.
@@ -43,5 +47,6 @@ class QZ_SYS_EXPORT SysFile {
     int m_descriptor = -1;
     unsigned long long m_size = 0;
     bool m_is_unwritten_pipe = false;
+    std::function<bool()> m_is_stopped;
     CoreString m_error;
 };

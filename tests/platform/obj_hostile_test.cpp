@@ -49,6 +49,10 @@ TEST(ObjHostile, ThingsThatAreNoFiles) {
     writer.join();
     EXPECT_EQ(describe(outcome.mesh), "square; f 0 1 2 3");
     EXPECT_EQ(bar.get_value(), 0.0);
+    std::fstream const silent(pipe);  // both ends are open
+    bar.request_stop();
+    EXPECT_EQ(read_obj_file(pipe, {}, &bar).get_refusal(),
+              "Obj.load: '" + pipe + "' line 1: stopped.\n");
 }
 
 TEST(ObjHostile, FailureLeavesTheOutputs) {
