@@ -26,8 +26,8 @@ class QZ_CORE_EXPORT CoreClassInfo {
     // The class is `other` or descends from it.
     bool is_kindof(CoreClassInfo const& other) const;
 
-    // Destroys `object`, which must be null or of exactly this static type, through the class's
-    // destructor; false when the class has none.
+    // Destroys `object`, which must be null, of this class or of one that descends from it, through
+    // the class's destructor; false when the class has none.
     bool destroy(void* object, bool const& is_array) const;
 
   private:
@@ -36,15 +36,23 @@ class QZ_CORE_EXPORT CoreClassInfo {
     CoreClassInfo const* m_parent = nullptr;
 };
 
-// The class destructor that classes hand to the registry. An array is one made by new T[n]: it is
-// destroyed through the first element's virtual destructor in array mode, and an array of no
-// elements is just released.
+// How many elements an array has that new[] made of a class with a destructor: they stand in the
+// word before the first (Itanium C++ ABI, 2.7).
+QZ_CORE_EXPORT unsigned long long core_get_element_count(void const* array);
+
+// The class destructor that classes hand to the registry. An array is one made by new[], of T or of
+// a class that descends from it: the elements of that one have another size, so its own record
+// destroys them. An array of no elements is just released.
 template <typename T>
 bool core_destroy(void* object, bool const& is_array) {
-    if (is_array) {
-        delete[] static_cast<T*>(object);
-    } else {
-        delete static_cast<T*>(object);
+    T* const first = static_cast<T*>(object);
+    if (!object || !is_array) {
+        delete first;
+        return true;
     }
+    if (core_get_element_count(object) != 0 && &first->get_class_info() != &T::class_info()) {
+        return first->get_class_info().destroy(object, true);
+    }
+    delete[] first;
     return true;
 }

@@ -38,6 +38,7 @@ TEST(ClassRegistration, NamesClassesAndTheirParents) {
     EXPECT_TRUE(PolyMesh().is_kindof(CoreBaseObject::class_info()));
     EXPECT_TRUE(PolyMeshBase::class_info().destroy(new PolyMesh, false));
     EXPECT_TRUE(PolyMesh::class_info().destroy(new PolyMesh[3], true));
+    EXPECT_TRUE(PolyMeshBase::class_info().destroy(new PolyMesh[3], true));
     EXPECT_TRUE(PolyMesh::class_info().destroy(new PolyMesh[0], true));
 }
 
