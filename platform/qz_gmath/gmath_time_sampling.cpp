@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 
 GMathTimeSampling::GMathTimeSampling(CoreBasicArray<double> const& times) : m_times(times) {
     assert(std::is_sorted(times.begin(), times.end()));
@@ -25,5 +26,8 @@ void GMathTimeSampling::get_span(double const& time, unsigned int& index, double
     double const* const after = std::upper_bound(m_times.begin(), m_times.end(), wanted);
     index = static_cast<unsigned int>(after - m_times.begin()) - 1;
     double const start = m_times[index];
-    factor = (wanted - start) / (m_times[index + 1] - start);
+    double const end = m_times[index + 1];
+    // The distance between two times may be beyond the doubles; that between their halves is not.
+    double const scale = std::isinf(end - start) ? 0.5 : 1.0;
+    factor = (scale * wanted - scale * start) / (scale * end - scale * start);
 }

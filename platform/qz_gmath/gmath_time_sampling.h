@@ -7,7 +7,7 @@
 class QZ_GMATH_EXPORT GMathTimeSampling {
   public:
     GMathTimeSampling() = default;
-    // `times` must ascend; equal neighbours are allowed.
+    // `times` must be finite and ascend; equal neighbours are allowed.
     explicit GMathTimeSampling(CoreBasicArray<double> const& times);
     // One sample at `time`.
     explicit GMathTimeSampling(double const& time);

@@ -109,8 +109,8 @@ TEST(GMathTimeSampling, FindsTheSpanOfATime) {
         unsigned int index;
         double factor;
     };
-    double const values[] = {-1.0, 0.0, 0.0, 0.5, 2.0};
-    CoreBasicArray<double> const many(values, 5);
+    double const values[] = {-1.0, 0.0, 0.0, 0.5, 2.0, -1.7e308, 1.7e308};
+    CoreBasicArray<double> const many(values, 5), far(values + 5, 2);
     CoreBasicArray<double> const one(values, 1);
     CoreBasicArray<double> const equal(values + 1, 2);
     Row const rows[] = {
@@ -119,7 +119,7 @@ TEST(GMathTimeSampling, FindsTheSpanOfATime) {
         {many, 1.25, 3, 0.5},     {many, 2.0, 3, 1.0},  {many, 9.0, 3, 1.0},
         {many, nan_time, 0, 0.0}, {one, -3.0, 0, 0.0},  {one, -1.0, 0, 0.0},
         {one, 5.0, 0, 0.0},       {{}, 1.0, 0, 0.0},    {equal, -1.0, 0, 0.0},
-        {equal, 0.0, 0, 0.0},     {equal, 1.0, 0, 1.0},
+        {equal, 0.0, 0, 0.0},     {equal, 1.0, 0, 1.0}, {far, 0.0, 0, 0.5},
     };
     for (Row const& row : rows) {
         unsigned int index = 99;

@@ -141,6 +141,9 @@ std::vector<double> get_times(ToolMotionOptions const& options) {
     if (!is_ascending(times) || times.size() != frame_count) {
         refuse_option("--times", "needs one time for each frame, each later than the last");
     }
+    if (frame_count != 0 && !std::isfinite(times.back() - times.front())) {
+        refuse_option("--times", "lie too far apart");
+    }
     return times;
 }
 
