@@ -1,7 +1,8 @@
 #pragma once
 
 // A place on a geometry: a point of a primitive, or one of the points (for properties: the items)
-// themselves, at a time. An index of 0xFFFFFFFF names nothing; a valid primitive index wins.
+// themselves, at a time. An index of 0xFFFFFFFF names nothing. Of two valid ones samples take the
+// primitive, and properties by vertex the item.
 struct GeometryFragment {
     unsigned int point_index = 0xFFFFFFFFu;
     unsigned int primitive_index = 0xFFFFFFFFu;

@@ -27,6 +27,6 @@ struct GeometryFrustumCtx {
     GeometryFrustumPlane back_plane;
     Mode mode = MODE_OVERLAP;
     unsigned int accepted_count = 0;
-    bool is_rejected = false;               // the last primitive asked about; set, never cleared
+    bool is_rejected = false;               // some primitive asked about; never cleared
     unsigned char* vertex_marks = nullptr;  // a byte per vertex, for the marking modes; not owned
 };

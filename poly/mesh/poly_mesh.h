@@ -57,7 +57,7 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     // - progress: may be null.
     // Polygons of fewer than 3 corners give no primitive. Refused at level 2, with the mesh left
     // empty: polygons that name vertices, corners or groups that are not there, and those that
-    // would be cut into more than 2^32 - 2 corners of triangles.
+    // would have more than 2^32 - 2 corners of triangles if they were all cut.
     void set(CoreBasicArray<GMathVec3<float>> const& positions,
              CoreBasicArray<GMathVec3<float>> const& velocities,
              CoreBasicArray<unsigned int> const& polygon_vertex_indices,

@@ -31,9 +31,9 @@ struct TriangleHitLanes {
     TriangleHit get(unsigned int const& lane) const { return {u[lane], v[lane], distance[lane]}; }
 };
 
-// Widens the triangle by a float's epsilon in the weights, so that rounding leaves no gap between
-// neighbours: a ray near a shared edge may meet both, and weights may lie that far outside [0, 1].
-// What depends on the triangle alone is computed once.
+// Widens the triangle by a float's epsilon in the weights: a ray near a shared edge may meet both
+// neighbours, and weights may lie that far outside [0, 1]. Rounding may take more than that:
+// a ray may slip between neighbours. What depends on the triangle alone is computed once.
 //
 // T. Moeller, B. Trumbore, "Fast, minimum storage ray-triangle intersection", Journal of Graphics
 // Tools 2(1), 1997.
