@@ -2,6 +2,7 @@
 #include <poly/mesh/triangle_normals.h>
 #include <poly/mesh/vertex_normals.h>
 #include <tests/log_capture.h>
+#include <tests/same_bits.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 
@@ -216,7 +216,7 @@ TEST(MeshBounds, GrowByOnePointAfterTheOther) {
         for (unsigned int i = 0; i < 4; ++i) {
             GMathBbox3<float> const& box =
                 i < 3 ? geometry.shading_group_bbox[i] : geometry.mesh_bbox;
-            EXPECT_EQ(std::memcmp(&box, &boxes[i], sizeof box), 0) << seed << " " << i;
+            EXPECT_TRUE(have_same_bits(box, boxes[i])) << seed << " " << i;
         }
     }
 }

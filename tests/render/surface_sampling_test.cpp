@@ -1,12 +1,12 @@
 #include <poly/render/surface_sampling.h>
 
 #include <tests/plain_place.h>
+#include <tests/same_bits.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 #include <random>
 
 namespace {
@@ -95,11 +95,6 @@ TEST(SurfaceSampling, MovesPastThresholds) {
     sample.init_point({1, 2, 3});
     mesh.compute_fragment_sample(CtxEval(), {3, 1, 0, 0, 0, 0}, sample);
     EXPECT_EQ(sample.get_kind(), GeometrySample::KIND_NONE);
-}
-
-template <typename T>
-bool have_same_bits(T const& a, T const& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;  // NOLINT(bugprone-*): bits count
 }
 
 void check_sample(PolyMesh const& mesh, GeometryFragment const& fragment, PlainPlace const& place) {
