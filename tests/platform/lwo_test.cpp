@@ -1,4 +1,5 @@
 #include <tests/platform/lwo_refusals.h>
+#include <tests/scratch_path.h>
 
 #include <platform/qz_lwo/lwo_surface_colors.h>
 #include <platform/qz_sys.h>
@@ -133,10 +134,10 @@ TEST(Lwo, RefusesWithPlaceAndReason) {
 }
 
 std::string write(Bytes const& bytes) {
-    std::string path = testing::TempDir() + "qz_lwo_test.bin";
+    std::string path = get_scratch_path(".lwo");
     SysFile file;
     EXPECT_TRUE(file.open(path.c_str(), SysFile::MODE_WRITE));
-    EXPECT_TRUE(file.write(bytes.data(), bytes.size()));
+    EXPECT_TRUE(file.write(bytes.data(), bytes.size()) && file.close());
     return path;
 }
 

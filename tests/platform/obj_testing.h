@@ -2,6 +2,7 @@
 
 #include <platform/qz_obj.h>
 #include <platform/qz_obj/obj_file.h>
+#include <tests/scratch_path.h>
 
 #include <gtest/gtest.h>
 
@@ -42,11 +43,7 @@ inline ObjOutcome read_obj_file(std::string const& path, ObjLimits const& limits
     return outcome;
 }
 
-// Tests run side by side, so each has a file of its own.
-inline std::string get_obj_path() {
-    return ::testing::TempDir() + "obj_" +
-           ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".obj";
-}
+inline std::string get_obj_path() { return get_scratch_path(".obj"); }
 
 inline std::string write_obj(std::string const& text) {
     std::string const path = get_obj_path();

@@ -1,4 +1,5 @@
 #include <platform/qz_sys.h>
+#include <tests/scratch_path.h>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@
 #include <vector>
 
 TEST(SysFile, WritesAndReadsBack) {
-    std::string const name = testing::TempDir() + "qz_sys_\xC3\xA4.bin";
+    std::string const name = get_scratch_path("\xC3\xA4.bin");
     CoreString const path(name.c_str());
     std::string const bytes(100000, 'q');
     SysFile file;

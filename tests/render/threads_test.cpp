@@ -5,6 +5,7 @@
 #include <poly/smoothed/poly_mesh_smoothed.h>
 #include <tests/answers.h>
 #include <tests/log_capture.h>
+#include <tests/scratch_path.h>
 #include <tests/shapes.h>
 
 #include <gtest/gtest.h>
@@ -111,7 +112,7 @@ TEST(Threads, AskAMovingMeshWithColdCaches) {
 TEST(Threads, BuildMeshesBesideEachOther) {
     LogCapture const capture(2);
     run_at_once(2, [&](int const& i) {
-        std::string const path = testing::TempDir() + "threads" + std::to_string(i) + ".obj";
+        std::string const path = get_scratch_path(std::to_string(i) + ".obj");
         std::ofstream(path) << "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nusemtl a\n"
                             << (i == 0 ? "f 1 2 3 4\n" : "f 4 3 2\nusemtl b\nf 1 2 4\n");
         for (unsigned int round = 0; round < 20; ++round) {

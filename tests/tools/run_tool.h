@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tests/scratch_path.h>
 #include <tools/qzpoly/commands/program.h>
 
 #include <gtest/gtest.h>
@@ -31,10 +32,7 @@ inline ToolRun run_tool(std::vector<std::string> const& arguments) {
 // A folder of the running test, emptied first.
 class ToolFolder {
   public:
-    ToolFolder()
-        : m_path(std::filesystem::temp_directory_path() /
-                 (std::string("qzpoly_") +
-                  testing::UnitTest::GetInstance()->current_test_info()->name())) {
+    ToolFolder() : m_path(get_scratch_path("")) {
         std::filesystem::remove_all(m_path);
         std::filesystem::create_directories(m_path);
     }
