@@ -106,5 +106,8 @@ int main(int argc, char** argv) {
         options.against.empty() || print_changes(options.against, records, options.is_short);
     bool const is_kept =
         options.json.empty() || write_json(options.json, records, options.is_short);
-    return is_told && is_kept ? 0 : 1;
+    bool const agrees = std::all_of(records.begin(), records.end(), [](BenchRecord const& record) {
+        return record.disagreements.empty();
+    });
+    return is_told && is_kept && agrees ? 0 : 1;
 }

@@ -4,6 +4,7 @@
 
 #include <platform/qz_obj/obj_file.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -31,10 +32,12 @@ bool is_same(ObjMesh const& a, ObjMesh const& b) {
            is_same<unsigned int>(a.polygon_vertex_indices, b.polygon_vertex_indices) &&
            is_same<unsigned int>(a.polygon_vertex_count, b.polygon_vertex_count) &&
            is_same<unsigned int>(a.polygon_shading_groups, b.polygon_shading_groups) &&
-           a.shading_group_names.get_count() == b.shading_group_names.get_count() &&
+           std::equal(a.shading_group_names.begin(), a.shading_group_names.end(),
+                      b.shading_group_names.begin(), b.shading_group_names.end()) &&
            is_same_map(a.uv_maps, b.uv_maps) && is_same_map(a.normal_maps, b.normal_maps) &&
            is_same_map(a.color_maps, b.color_maps) &&
            is_same<int>(a.import_data.crease_indices, b.import_data.crease_indices) &&
+           is_same<float>(a.import_data.crease_sharpnesses, b.import_data.crease_sharpnesses) &&
            a.import_data.warnings.get_count() == b.import_data.warnings.get_count();
 }
 

@@ -26,7 +26,6 @@ RUN_ELSEWHERE = {
     "cmake --build build/examples": ("tests/package/check.sh", 'ninja -C "$folder/examples"'),
     "pip install": ("dev", 'bin/pip" install'),
     "./dev build": ("dev", 'build "$1"'),
-    "./dev bench": ("dev", "dev_bench()"),
     "./dev nightly": ("dev", "dev_nightly()"),
 }
 
@@ -48,11 +47,11 @@ class Documents:
     def check(self, path, folder):
         text = path.read_text()
         name = path.relative_to(self.root)
-        for link in re.findall(r"\]\(([^)#:]+)\)", text):
+        for link in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", text):
             self.counts["links"] += 1
             if not (path.parent / link).exists():
                 self.fault(name, f"links to {link}, which is not there")
-        for named in re.findall(r"`((?:poly|platform|tools|tests|docs|examples|python|assets)/[\w./]+)`",
+        for named in re.findall(r"`((?:poly|platform|tools|tests|docs|examples|python|assets|bench|fuzz|cmake)/[\w./]+)`",
                                 text):
             self.counts["links"] += 1
             if not (self.root / named).exists():
