@@ -144,12 +144,15 @@ py::array sample_uv(PythonMesh const& mesh, long long const& map, py::object con
     Places const places(mesh.get(), primitives, s, t, 0.0);
     auto rows = make_rows<double>(places.get_count(), 3);
     double* const at = rows.mutable_data();
-    for (py::ssize_t i = 0; i < places.get_count(); ++i) {
-        GMathVec3<double> uvw(0, 0, 0), ds, dt;
-        if (places[i].primitive_index != none) {
-            mesh.get().compute_fragment_uvw(CtxEval(), places[i], number, uvw, ds, dt);
+    {
+        py::gil_scoped_release const no_gil;
+        for (py::ssize_t i = 0; i < places.get_count(); ++i) {
+            GMathVec3<double> uvw(0, 0, 0), ds, dt;
+            if (places[i].primitive_index != none) {
+                mesh.get().compute_fragment_uvw(CtxEval(), places[i], number, uvw, ds, dt);
+            }
+            put_row(at, i, uvw);
         }
-        put_row(at, i, uvw);
     }
     return rows;
 }
@@ -160,13 +163,16 @@ py::array sample_color(PythonMesh const& mesh, long long const& map, py::object 
     Places const places(mesh.get(), primitives, s, t, 0.0);
     auto rows = make_rows<float>(places.get_count(), 4);
     float* at = rows.mutable_data();
-    for (py::ssize_t i = 0; i < places.get_count(); ++i) {
-        GMathVec4<float> color(0, 0, 0, 0);
-        if (places[i].primitive_index != none) {
-            mesh.get().compute_fragment_color(CtxEval(), places[i], number, color);
-        }
-        for (float const component : {color.x, color.y, color.z, color.w}) {
-            *at++ = component;
+    {
+        py::gil_scoped_release const no_gil;
+        for (py::ssize_t i = 0; i < places.get_count(); ++i) {
+            GMathVec4<float> color(0, 0, 0, 0);
+            if (places[i].primitive_index != none) {
+                mesh.get().compute_fragment_color(CtxEval(), places[i], number, color);
+            }
+            for (float const component : {color.x, color.y, color.z, color.w}) {
+                *at++ = component;
+            }
         }
     }
     return rows;
