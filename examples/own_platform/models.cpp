@@ -15,10 +15,13 @@ bool Obj::load(CoreString const& path, CoreArray<GMathVec3<float>>& positions,
         polygon_vertex_indices.append(positions.get_count());
         positions.append(p);
     }
+    if (positions.is_empty()) {
+        return false;
+    }
     polygon_vertex_count.resize(positions.get_count() / 3);
     polygon_vertex_count.fill(3);
     polygon_shading_groups.resize(polygon_vertex_count.get_count());
     polygon_shading_groups.fill(0);
     shading_group_names.append("triangles");
-    return !positions.is_empty();
+    return true;
 }
