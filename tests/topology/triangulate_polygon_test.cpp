@@ -159,7 +159,7 @@ Polygon build_polygon(Family const& family, unsigned int const& n, Random& rando
     if (random.below(4) == 0) {
         std::reverse(polygon.indices.begin(), polygon.indices.end());
     }
-    for (unsigned int k = random.below(4); k > 2; --k) {
+    if (random.below(4) == 3) {
         polygon.indices[random.below(n)] = polygon.indices[random.below(n)];
         polygon.positions[random.below(n)] = polygon.positions[random.below(n)];
     }
