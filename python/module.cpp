@@ -2,6 +2,7 @@
 #include <python/messages.h>
 #include <python/queries.h>
 
+#include <tools/qzpoly/models/dump_writer.h>
 #include <tools/qzpoly/models/mesh_dump.h>
 
 #include <pybind11/stl.h>
@@ -23,7 +24,7 @@ PolyMesh const& get_mesh(py::object const& self) { return self.cast<PythonMesh c
 // alone, `width` of them; a width of 1 gives a plain row.
 template <typename T, typename Record>
 py::array view(py::object const& self, CoreBasicArray<Record> const& records) {
-    constexpr py::ssize_t width = sizeof(Record) / sizeof(T);
+    constexpr py::ssize_t width = sizeof(Record) / sizeof(T);  // NOLINT(bugprone-sizeof-*)
     static_assert(sizeof(Record) == width * sizeof(T));
     std::vector<py::ssize_t> shape = {records.get_count()};
     if (width > 1) {
@@ -40,7 +41,7 @@ py::array view(py::object const& self, CoreBasicArray<Record> const& records) {
 
 template <typename T, typename Record>
 py::array copy(CoreBasicArray<Record> const& records) {
-    constexpr py::ssize_t width = sizeof(Record) / sizeof(T);
+    constexpr py::ssize_t width = sizeof(Record) / sizeof(T);  // NOLINT(bugprone-sizeof-*)
     static_assert(sizeof(Record) == width * sizeof(T));
     std::vector<py::ssize_t> shape = {records.get_count()};
     if (width > 1) {
@@ -144,17 +145,7 @@ py::tuple get_group_names(PolyMesh const& mesh) {
     return py::tuple(names);
 }
 
-std::string get_key(PolyMesh const& mesh) {
-    Core128BitHashKey const key = mesh.get_hash_key();
-    unsigned char bytes[sizeof key];
-    std::memcpy(bytes, &key, sizeof key);
-    std::string text;
-    for (unsigned char const byte : bytes) {
-        text += "0123456789abcdef"[byte >> 4];
-        text += "0123456789abcdef"[byte & 15];
-    }
-    return text;
-}
+std::string get_key(PolyMesh const& mesh) { return write_key(mesh.get_hash_key()); }
 
 std::string dump(PythonMesh const& mesh, bool const& digests, std::vector<double> const& angles) {
     for (double const angle : angles) {

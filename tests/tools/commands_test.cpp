@@ -117,6 +117,14 @@ TEST(Commands, FaultsTellTheirReason) {
         {{"render", "--frames", block, other}, 1, "other polygons"},
         {{"render", "--frames", block, block, "--times", "1", "1"}, 2, "--times"},
         {{"render", block, "--shutter", "1", "0"}, 2, "closes before it opens"},
+        {{"render", block, "--shutter", "0", "1"}, 2, "nothing moves"},
+        {{"probe", block, "--smooth", "9", "--normal-map", "0"}, 2, "excludes"},
+        {{"probe", block, "--ray", "0", "0", "9", "0", "0", "-1", "--st", "0", "0"}, 2, "excludes"},
+        {{"probe", block, "--primitive", "1", "--exact"}, 2, "requires --ray"},
+        {{"render", block, "--shade", "color", "--ambient-occlusion"}, 2, "no light with"},
+        {{"visible", block, "--near", "2", "--far", "1"}, 2, "not before --far"},
+        {{"sheet", block, "--shade", "property:heat"}, 2, "no such mode"},
+        {{"--paint"}, 2, "there is no option --paint"},
         {{"render", block, "--shutter", "0", "inf"}, 2, "not a finite number: inf"},
     };
     for (Row const& row : rows) {

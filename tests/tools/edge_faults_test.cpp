@@ -1,5 +1,5 @@
 #include <tools/qzpoly/check/mesh_faults.h>
-#include <tools/qzpoly/check/radix_order.h>
+#include <tools/qzpoly/models/radix_order.h>
 
 #include <tests/shapes.h>
 

@@ -49,7 +49,7 @@ TEST(Render, SearchByBoxesMissesNothing) {
         {block, "--camera", "top"},
         {block, "--camera", "left", "--turn", "30", "--up", "0", "0", "1"},
         {block, "--ambient-occlusion"},
-        {"--ambient-occlusion", block, "--shutter", "0", "1"},
+        {"--ambient-occlusion", block},
         {block, "--ambient-occlusion", "1", "--background", "30507A"},
         {block, "--motion"},
         {block, "--spin", "-50", "--velocity", "-1", "0.3", "0", "--shutter", "-1", "2"},

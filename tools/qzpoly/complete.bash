@@ -15,8 +15,8 @@ _qzpoly() {
             'shaded normal uv color group primitive facing property:' -- "$word") ;;
         --background) mapfile -t COMPREPLY < <(compgen -W 'white black grey blue' -- "$word") ;;
         --ignore) mapfile -t COMPREPLY < <(compgen -W \
-            "$("${COMP_WORDS[0]}" check --help | sed -n 's/^  \([a-z]*-[a-z-]*\): .*/\1/p')" \
-            -- "$word") ;;
+            "$("${COMP_WORDS[0]}" check --help | sed -n \
+                '/^Kinds of faults:/,/^Polygons/s/^  \([a-z-]*\): .*/\1/p')" -- "$word") ;;
         *)
             if [[ $word == -* ]]; then
                 mapfile -t COMPREPLY < <(compgen -W "$("${COMP_WORDS[0]}" "${COMP_WORDS[1]}" --help \

@@ -1,8 +1,8 @@
 #include <tools/qzpoly/check/mesh_faults.h>
-#include <tools/qzpoly/check/radix_order.h>
+#include <tools/qzpoly/models/merged_vertices.h>
+#include <tools/qzpoly/models/radix_order.h>
 
 #include <algorithm>
-#include <bit>
 #include <numeric>
 
 namespace {
@@ -14,44 +14,6 @@ struct Ends {
 
     friend bool operator==(Ends const& a, Ends const& b) = default;
 };
-
-// Finds runs of equal items of an order.
-template <typename IsEqual, typename Visit>
-void visit_runs(std::vector<unsigned int> const& order, IsEqual const& is_equal,
-                Visit const& visit) {
-    for (std::size_t begin = 0, end = 0; begin < order.size(); begin = end) {
-        while (end < order.size() && is_equal(order[begin], order[end])) {
-            ++end;
-        }
-        visit(&order[begin], static_cast<unsigned int>(end - begin));
-    }
-}
-
-// For each vertex the first one at the same place.
-std::vector<unsigned int> merge_vertices(CoreArray<GMathVec3<float>> const& positions) {
-    std::vector<unsigned int> order(positions.get_count());
-    std::iota(order.begin(), order.end(), 0);
-    // Adding 0 makes one zero of both.
-    auto const get_bits = [&](unsigned int const& vertex, unsigned int const& axis) {
-        return std::bit_cast<unsigned int>(positions[vertex][axis] + 0.0f);
-    };
-    for (unsigned int axis = 3; axis-- > 0;) {
-        order_by_key(order, [&](unsigned int const& vertex) { return get_bits(vertex, axis); });
-    }
-    std::vector<unsigned int> merged(order.size());
-    visit_runs(
-        order,
-        [&](unsigned int const& a, unsigned int const& b) {
-            return get_bits(a, 0) == get_bits(b, 0) && get_bits(a, 1) == get_bits(b, 1) &&
-                   get_bits(a, 2) == get_bits(b, 2);
-        },
-        [&](unsigned int const* vertices, unsigned int const& count) {
-            for (unsigned int i = 0; i < count; ++i) {
-                merged[vertices[i]] = vertices[0];
-            }
-        });
-    return merged;
-}
 
 class EdgeChecker {
   public:
@@ -81,17 +43,19 @@ class EdgeChecker {
     }
 
   private:
+    // Sorts the corners, and visits each run of those with equal ends.
     template <typename Visit>
     void visit_equal(std::vector<unsigned int>& corners,
                      Ends (EdgeChecker::*get)(unsigned int const&) const, Visit const& visit) {
         order_by_key(corners, [&](unsigned int const& c) { return (this->*get)(c).high; });
         order_by_key(corners, [&](unsigned int const& c) { return (this->*get)(c).low; });
-        visit_runs(
-            corners,
-            [&](unsigned int const& a, unsigned int const& b) {
-                return (this->*get)(a) == (this->*get)(b);
-            },
-            visit);
+        for (std::size_t begin = 0, end = 0; begin < corners.size(); begin = end) {
+            while (end < corners.size() &&
+                   (this->*get)(corners[begin]) == (this->*get)(corners[end])) {
+                ++end;
+            }
+            visit(&corners[begin], static_cast<unsigned int>(end - begin));
+        }
     }
 
     unsigned int get_start(unsigned int const& corner) const { return m_polygons.vertices[corner]; }

@@ -89,6 +89,23 @@ void warn_of_statements(std::string const& path, ToolMessages& messages) {
     }
 }
 
+void warn_of_losses(ToolMesh const& mesh, ToolMessages& messages) {
+    if (mesh.is_obj()) {
+        warn_of_statements(mesh.path, messages);
+    }
+    if (mesh.mesh->get_point_cloud()->has_velocities()) {
+        messages.warn("velocities are left out");
+    }
+    CoreArray<CoreString> names;
+    CoreArray<GMathVec3<float>> colors;
+    if (mesh.is_light_wave) {
+        Lwo::load_surface_colors(CoreString(std::string_view(mesh.path)), names, colors);
+    }
+    if (!colors.is_empty()) {
+        messages.warn("colors of surfaces are left out");
+    }
+}
+
 int run_convert(ConvertOptions const& options, ToolMessages& messages) {
     ToolMesh mesh;
     ToolObjContents contents;
@@ -108,9 +125,7 @@ int run_convert(ConvertOptions const& options, ToolMessages& messages) {
         refuse_option("--uv-map", make_text("there is no ", options.uv_map, ": the mesh has ",
                                             contents.uv_maps.get_count()));
     }
-    if (mesh.is_obj()) {
-        warn_of_statements(mesh.path, messages);
-    }
+    warn_of_losses(mesh, messages);
     std::string const text = write_obj(contents, options.uv_map, messages);
     if (!write_file(options.output, text.data(), text.size(), messages)) {
         return tool_failure;
@@ -126,6 +141,7 @@ void add_convert_command(CLI::App& app, ToolSession& session) {
     CLI::App* const command =
         app.add_subcommand("convert", "Write a mesh as an OBJ file that gives the same mesh");
     add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
+    command->remove_option(command->get_option("--no-check-quads"));  // polygons are kept whole
     command->add_option("OUT", options->output, "OBJ file to write")->required();
     command->add_option("--uv-map", options->uv_map, "Number of the uv map to keep, from 0");
     command->footer(
@@ -133,8 +149,8 @@ void add_convert_command(CLI::App& app, ToolSession& session) {
         "colors\n"
         "of points, and creases. An OBJ file cannot hold the names of maps, further maps, layers\n"
         "(all become one mesh), and names of groups with blanks at an end or line ends inside.\n"
-        "Also left out: surfaces and materials, smoothing groups, objects, lines and points that\n"
-        "are drawn, unknown statements. A warning tells what a file has of these.\n\n"
+        "Also left out, with a warning: velocities, surfaces and materials, smoothing groups,\n"
+        "objects, lines and points that are drawn, unknown statements.\n\n"
         "Examples:\n"
         "  qzpoly convert ship.lwo ship.obj\n"
         "  qzpoly convert ship.lwo hull.obj --item Hull --uv-map 1");

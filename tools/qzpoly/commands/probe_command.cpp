@@ -37,18 +37,16 @@ struct ProbeOptions {
 std::vector<CLI::Option*> add_probe_options(CLI::App& command, Probe& probe) {
     CLI::Option* const primitive =
         command.add_option("--primitive", probe.primitive, "Probe the surface on this primitive");
+    CLI::Option* const st = command.add_option("--st", probe.st, "Where on it [0 0]");
+    st->expected(2)->check(check_finite)->type_name("S T");
+    CLI::Option* const ray =
+        command.add_option("--ray", probe.ray, "Probe by a ray: its origin and direction");
+    ray->expected(6)->check(check_finite)->type_name("OX OY OZ DX DY DZ");
+    ray->excludes(primitive)->excludes(st);
     return {
-        primitive,
-        command.add_option("--st", probe.st, "Where on it [0 0]")
-            ->expected(2)
-            ->check(check_finite)
-            ->type_name("S T"),
-        command.add_option("--ray", probe.ray, "Probe by a ray: its origin and direction")
-            ->expected(6)
-            ->check(check_finite)
-            ->type_name("OX OY OZ DX DY DZ")
-            ->excludes(primitive),
-        command.add_flag("--exact", probe.is_exact, "Test the ray without a tolerance at edges"),
+        primitive, st, ray,
+        command.add_flag("--exact", probe.is_exact, "Test the ray without a tolerance at edges")
+            ->needs(ray),
         command.add_option("--time", probe.time, "When [0]")->check(check_finite)};
 }
 

@@ -38,7 +38,10 @@ class HelpFormatter : public CLI::Formatter {
 std::string tell_fault(CLI::App const& app, CLI::ParseError const& fault) {
     std::vector<std::string> const unknown = app.remaining();
     std::string const reason =
-        unknown.empty() ? fault.what() : "there is no subcommand " + unknown[0];
+        unknown.empty()
+            ? fault.what()
+            : (unknown[0][0] == '-' ? "there is no option " : "there is no subcommand ") +
+                  unknown[0];
     bool const has_subcommand = unknown.empty() && !app.get_subcommands().empty();
     return reason + "; see qzpoly " +
            (has_subcommand ? app.get_subcommands()[0]->get_name() + " --help" : "--help");

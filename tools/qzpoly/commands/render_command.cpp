@@ -34,7 +34,7 @@ struct RenderOptions {
 
 void add_picture_options(CLI::App& command, RenderOptions& options) {
     command.add_option("-o,--output", options.output, "PNG file [FILE's name.png]");
-    add_look_options(command, options.look, "12; in motion 32");
+    add_look_options(command, options.look, "12; in motion 32", true);
     add_map_options(command, options.look);
     command.add_flag("--edges", options.has_edges, "Draw the edges of polygons");
     command.add_flag("--hard-edges", options.has_hard_edges,

@@ -186,7 +186,7 @@ void add_sheet_command(CLI::App& app, ToolSession& session) {
     command->add_option("-o,--output", options->output, "PNG file")->capture_default_str();
     command->add_option("--columns", options->columns, "Pictures side by side [as many as rows]")
         ->check(CLI::Range(1u, 1000u));
-    add_look_options(*command, options->look, "8");
+    add_look_options(*command, options->look, "8", false);
     command->add_flag("--edges", options->has_edges, "Draw the edges of polygons");
     add_camera_options(*command, options->camera);
     command->get_option("--size")->description("Each picture in pixels");

@@ -108,7 +108,7 @@ void add_turntable_command(CLI::App& app, ToolSession& session) {
         ->check(CLI::Range(0.1, 600.0))
         ->check(check_finite)
         ->capture_default_str();
-    add_look_options(*command, options->look, "8");
+    add_look_options(*command, options->look, "8", true);
     add_map_options(*command, options->look);
     command->add_flag("--edges", options->has_edges, "Draw the edges of polygons");
     add_surface_options(*command, options->surface);

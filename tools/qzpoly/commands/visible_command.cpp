@@ -32,6 +32,9 @@ bool check(ToolVisibility const& found, PolyMesh const& mesh, ToolFrustum const&
 }
 
 int run_visible(VisibleOptions const& options, ToolMessages& messages) {
+    if (options.far != 0 && options.near >= options.far) {
+        refuse_option("--near", "is not before --far");
+    }
     ToolMesh mesh;
     if (!load_mesh(options.mesh, messages, mesh)) {
         return tool_failure;

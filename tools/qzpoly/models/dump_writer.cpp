@@ -56,6 +56,18 @@ unsigned long long get_digest(T const* entries, unsigned long long const& count)
 
 }  // namespace
 
+std::string write_key(Core128BitHashKey const& key) {
+    unsigned char bytes[sizeof key.words];
+    std::memcpy(bytes, key.words, sizeof bytes);
+    std::string text;
+    for (unsigned char const byte : bytes) {
+        constexpr char digits[] = "0123456789abcdef";
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
 void DumpWriter::begin_object() {
     separate();
     put("{");
@@ -105,11 +117,7 @@ void DumpWriter::write(char const* key, CoreBasicArray<CoreString> const& names)
 void DumpWriter::write(char const* key, Core128BitHashKey const& hash_key) {
     begin_member(key);
     put("\"");
-    unsigned char bytes[sizeof hash_key.words];
-    std::memcpy(bytes, hash_key.words, sizeof bytes);
-    for (unsigned char const byte : bytes) {
-        put_hexadecimal(byte, 2);
-    }
+    put(write_key(hash_key));
     put("\"");
 }
 

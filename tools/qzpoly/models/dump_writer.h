@@ -3,8 +3,12 @@
 #include <platform/qz_core.h>
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 #include <type_traits>
+
+// Two hexadecimal digits for each byte, in storage order.
+std::string write_key(Core128BitHashKey const& key);
 
 // Writes one JSON object to a stream, member by member, in a form that is the same on every
 // machine:
@@ -29,7 +33,6 @@ class DumpWriter {
     void write(char const* key, double const& value);
     void write(char const* key, CoreString const& name);
     void write(char const* key, CoreBasicArray<CoreString> const& names);
-    // 32 hexadecimal digits, in storage order.
     void write(char const* key, Core128BitHashKey const& hash_key);
 
     // `entries` has `count` numbers of type T.

@@ -1,6 +1,6 @@
 #include <tools/qzpoly/models/mesh_dump.h>
 
-#include <tools/qzpoly/models/mesh_facts.h>
+#include <tools/qzpoly/models/polygon_cuts.h>
 
 #include <poly/smoothed/poly_mesh_smoothed.h>
 #include <poly/topology/neighbourhood.h>
@@ -89,7 +89,7 @@ void dump_primitives(PolyMesh const& mesh, DumpWriter& writer) {
     writer.write("primitive_index_count", topology.primitive_index_count);
     writer.write("triangle_count", topology.triangle_count);
     writer.write("quad_count", topology.quad_count);
-    writer.write("degenerate_count", find_facts(mesh).degenerate_count);
+    writer.write("degenerate_count", count_degenerate_triangles(mesh));
     write(writer, "get_primitive_indices", indices);
 }
 

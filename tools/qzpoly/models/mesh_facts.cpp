@@ -1,8 +1,7 @@
 #include <tools/qzpoly/models/mesh_facts.h>
 
+#include <tools/qzpoly/models/dump_writer.h>
 #include <tools/qzpoly/models/polygon_cuts.h>
-
-#include <cstring>
 
 namespace {
 
@@ -21,9 +20,7 @@ void count_polygons(PolyMesh const& mesh, ToolMeshFacts& facts) {
     for (unsigned int const corner_count : counts) {
         ++facts.polygons_by_corners[corner_count];
     }
-    for (unsigned int const missing_count : count_missing_triangles(mesh)) {
-        facts.degenerate_count += missing_count;
-    }
+    facts.degenerate_count = count_degenerate_triangles(mesh);
 }
 
 void list_groups(PolyMesh const& mesh, ToolMeshFacts& facts) {
@@ -63,18 +60,6 @@ void list_maps(PolyMesh const& mesh, ToolMeshFacts& facts) {
         mesh.get_polygon_color_map(i, map, false);
         add_map("color", map, facts);
     }
-}
-
-std::string write_key(Core128BitHashKey const& key) {
-    unsigned char bytes[sizeof key.words];
-    std::memcpy(bytes, key.words, sizeof bytes);
-    std::string text;
-    for (unsigned char const byte : bytes) {
-        constexpr char digits[] = "0123456789abcdef";
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
 }
 
 }  // namespace

@@ -88,6 +88,9 @@ bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh
     if (!options.item.empty() && !mesh.is_light_wave) {
         return refuse("only LightWave objects have items");
     }
+    if (options.is_unchecked && mesh.is_block) {
+        return refuse("the 4-gons of a byte block are always checked");
+    }
     if (mesh.is_block) {
         return load_block(path, *mesh.mesh);
     }

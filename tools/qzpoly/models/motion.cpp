@@ -212,13 +212,22 @@ bool load_moving_mesh(ToolMeshOptions const& mesh_options, ToolMotionOptions con
     if (!load_mesh(first_options, messages, mesh)) {
         return false;
     }
-    if (options.frames.empty() && !options.has_velocities()) {
-        return true;
+    bool const has_frames = !options.frames.empty();
+    if (!has_frames && !options.has_velocities()) {
+        if (options.shutter.empty()) {
+            return true;
+        }
+        if (!mesh.mesh->get_point_cloud()->has_velocities()) {  // those of a byte block
+            refuse_option("--shutter",
+                          "nothing moves without --frames, --motion, --spin or --velocity");
+        }
     }
     shutter_times =
         make_shutter_times(shutter[0], shutter[1], std::max<std::size_t>(options.frames.size(), 2));
-    return options.frames.empty() ? set_velocities(options, vertical, messages, *mesh.mesh)
-                                  : set_frames(mesh_options, options, times, messages, *mesh.mesh);
+    if (has_frames) {
+        return set_frames(mesh_options, options, times, messages, *mesh.mesh);
+    }
+    return !options.has_velocities() || set_velocities(options, vertical, messages, *mesh.mesh);
 }
 
 CtxShader make_shader_ctx(std::vector<double> const& shutter_times) {

@@ -2,6 +2,8 @@
 
 #include <poly/topology/triangulate_polygon.h>
 
+#include <numeric>
+
 namespace {
 
 std::vector<bool> find_whole_quads(PolyMesh const& mesh) {
@@ -37,4 +39,9 @@ std::vector<unsigned int> count_missing_triangles(PolyMesh const& mesh) {
         corners += corner_count;
     }
     return missing;
+}
+
+unsigned int count_degenerate_triangles(PolyMesh const& mesh) {
+    std::vector<unsigned int> const missing = count_missing_triangles(mesh);
+    return std::accumulate(missing.begin(), missing.end(), 0u);
 }

@@ -109,16 +109,24 @@ bool make_appearance(ToolLookOptions const& options, ToolMesh const& mesh, ToolM
 
 }  // namespace
 
-void add_look_options(CLI::App& command, ToolLookOptions& options,
-                      std::string const& usual_samples) {
+void add_look_options(CLI::App& command, ToolLookOptions& options, std::string const& usual_samples,
+                      bool const& has_properties) {
     options.thread_count = std::max(1u, std::thread::hardware_concurrency());
     std::string meanings = "Colors:";
+    bool const knows_all = has_properties;
+    auto const is_known = [knows_all](std::string const& name) {
+        std::string property;
+        return find_shade_mode(name) != nullptr && (knows_all || !shows_property(name, property));
+    };
     for (ToolShadeMode const& mode : get_shade_modes()) {
-        meanings += make_text(meanings.back() == ':' ? " " : "; ", mode.name, ": ", mode.meaning);
+        if (is_known(mode.name)) {
+            meanings +=
+                make_text(meanings.back() == ':' ? " " : "; ", mode.name, ": ", mode.meaning);
+        }
     }
     command.add_option("--shade", options.shade_mode, meanings)
-        ->check([](std::string const& name) {
-            return find_shade_mode(name) != nullptr ? std::string() : "no such mode: " + name;
+        ->check([is_known](std::string const& name) {
+            return is_known(name) ? std::string() : "no such mode: " + name;
         })
         ->capture_default_str();
     command
@@ -156,8 +164,12 @@ bool make_look(ToolLookOptions const& options, ToolMesh const& mesh, GeometryObj
     if (read_color(options.background, background)) {
         settings.background = background;
     }
-    settings.occlusion_rays = options.occlusion_rays;
     settings.shade_mode = find_shade_mode(options.shade_mode);
+    if (options.occlusion_rays != 0 && !settings.shade_mode->is_lit) {
+        refuse_option("--ambient-occlusion", make_text("there is no light with --shade ",
+                                                       std::string_view(options.shade_mode)));
+    }
+    settings.occlusion_rays = options.occlusion_rays;
     settings.samples_per_pixel = options.samples != 0 ? options.samples : usual_samples;
     settings.thread_count = options.thread_count;
     return make_appearance(options, mesh, messages, settings.appearance) &&

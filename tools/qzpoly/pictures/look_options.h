@@ -18,8 +18,9 @@ struct ToolLookOptions {
     unsigned int thread_count = 1;
 };
 
-void add_look_options(CLI::App& command, ToolLookOptions& options,
-                      std::string const& usual_samples);
+// `has_properties`: the command can attach properties, to be shown.
+void add_look_options(CLI::App& command, ToolLookOptions& options, std::string const& usual_samples,
+                      bool const& has_properties);
 void add_map_options(CLI::App& command, ToolLookOptions& options);
 
 // Takes them over, with the mesh's materials and a property of the geometry if one is to be shown.

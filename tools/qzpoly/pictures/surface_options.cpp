@@ -8,8 +8,10 @@
 void add_surface_options(CLI::App& command, ToolSurfaceOptions& options) {
     options.smooth = add_smooth_option(command, options.smoothing_angle,
                                        "Smooth the normals across edges below this angle");
-    command.add_option("--normal-map", options.normal_map,
-                       "Shade with this normal map of the file, from 0");
+    command
+        .add_option("--normal-map", options.normal_map,
+                    "Shade with this normal map of the file, from 0")
+        ->excludes(command.get_option("--smooth"));
     add_property_option(command, options);
 }
 

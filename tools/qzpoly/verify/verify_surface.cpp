@@ -1,8 +1,8 @@
 #include <tools/qzpoly/verify/verify_surface.h>
 
+#include <tools/qzpoly/models/merged_vertices.h>
+
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <numeric>
 
 namespace {
@@ -29,31 +29,6 @@ void list_triangles(CoreArray<unsigned int> const& corners, PolyMesh const& mesh
         v += count;
     }
     surface.first_triangles.push_back(static_cast<unsigned int>(surface.triangles.size()));
-}
-
-// The number of the first vertex that has the same position. Those of vertices that are no number
-// are told apart by their bits.
-std::vector<unsigned int> number_by_position(PolyMesh const& mesh) {
-    CoreArray<GMathVec3<float>> positions;
-    mesh.get_point_cloud()->get_positions(positions);
-    auto const get_bits = [&](unsigned int const& vertex) {
-        GMathVec3<float> const& p = positions[vertex];
-        // Adding zero makes both zeros one.
-        return std::array{std::bit_cast<unsigned int>(p.x + 0.0f),
-                          std::bit_cast<unsigned int>(p.y + 0.0f),
-                          std::bit_cast<unsigned int>(p.z + 0.0f)};
-    };
-    std::vector<unsigned int> order(positions.get_count());
-    std::iota(order.begin(), order.end(), 0u);
-    std::stable_sort(order.begin(), order.end(), [&](unsigned int const& a, unsigned int const& b) {
-        return get_bits(a) < get_bits(b);
-    });
-    std::vector<unsigned int> numbers(order.size());
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        bool const is_repeated = i != 0 && get_bits(order[i]) == get_bits(order[i - 1]);
-        numbers[order[i]] = is_repeated ? numbers[order[i - 1]] : order[i];
-    }
-    return numbers;
 }
 
 // The edges around one primitive.
@@ -157,7 +132,9 @@ ToolVerifySurface make_verify_surface(PolyMesh const& mesh) {
     pair_edges(corners, numbers, surface);
     if (surface.unpaired_count != 0) {
         unsigned int const unpaired_count = surface.unpaired_count;
-        numbers = number_by_position(mesh);
+        CoreArray<GMathVec3<float>> positions;
+        mesh.get_point_cloud()->get_positions(positions);
+        numbers = merge_vertices(positions);
         pair_edges(corners, numbers, surface);
         surface.is_paired_by_position = surface.unpaired_count == 0;
         // An open mesh is told by its vertices.
