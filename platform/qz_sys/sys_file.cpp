@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <limits>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,20 +13,7 @@ namespace {
 constexpr std::size_t largest_transfer = 1u << 30;  // below the limit of every read and write call
 constexpr int longest_wait = 2000;                  // milliseconds, for a writer to come
 constexpr int one_wait = 50;                        // milliseconds, between looks at a stop
-
-bool is_true(std::function<bool()> const& question) { return question && question(); }
-
-// False when there is nothing new until then, or when it is to stop.
-bool wait_for_bytes(int const& descriptor, int const& milliseconds,
-                    std::function<bool()> const& is_stopped) {
-    pollfd pipe = {descriptor, POLLIN, 0};
-    for (int left = milliseconds; left > 0 && !is_true(is_stopped); left -= one_wait) {
-        if (::poll(&pipe, 1, std::min(left, one_wait)) != 0) {
-            return true;
-        }
-    }
-    return false;
-}
+static_assert(longest_wait % one_wait == 0);
 
 }  // namespace
 
@@ -55,38 +41,46 @@ bool SysFile::open(CoreString const& path, Mode const& mode) {
         return fail(error_number);
     }
     m_size = S_ISREG(status.st_mode) ? static_cast<unsigned long long>(status.st_size) : 0;
-    m_is_unwritten_pipe = mode == MODE_READ && S_ISFIFO(status.st_mode);
+    m_wait_for_writer = mode == MODE_READ && S_ISFIFO(status.st_mode) ? longest_wait : 0;
     return true;
 }
 
 std::size_t SysFile::read(void* buffer, std::size_t const& size) {
     std::size_t const wanted = size;
     std::size_t done = 0;
-    bool is_abandoned = false;
     while (is_open() && done < wanted) {
         std::size_t const part = std::min(wanted - done, largest_transfer);
         ssize_t const count = ::read(m_descriptor, static_cast<char*>(buffer) + done, part);
         if (count > 0) {
             done += static_cast<std::size_t>(count);
-            m_is_unwritten_pipe = false;
-        } else if (count < 0 && errno == EAGAIN) {
-            if (!wait_for_bytes(m_descriptor, std::numeric_limits<int>::max(), m_is_stopped)) {
-                break;
-            }
-        } else if (count == 0 && m_is_unwritten_pipe) {
-            is_abandoned =
-                !wait_for_bytes(m_descriptor, longest_wait, m_is_stopped) && !is_true(m_is_stopped);
-            m_is_unwritten_pipe = false;
-        } else if (count == 0 || errno != EINTR) {
-            if (count < 0) {
-                fail(errno);
-            } else if (is_abandoned) {
-                m_error = "Nobody writes to this pipe";
-            }
+            m_wait_for_writer = 0;
+        } else if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            fail(errno);
+            break;
+        } else if ((count == 0 && m_wait_for_writer == 0) || !wait_at_pipe(count < 0)) {
             break;
         }
     }
     return done;
+}
+
+// Until somebody has opened a pipe to write to it, it looks as if it had ended.
+bool SysFile::wait_at_pipe(bool const& has_writer) {
+    if (m_is_stopped && m_is_stopped()) {
+        return false;
+    }
+    pollfd pipe = {m_descriptor, POLLIN, 0};
+    int const found = ::poll(&pipe, 1, one_wait);  // below 0 after a signal
+    if (has_writer || found > 0) {
+        m_wait_for_writer = 0;
+    } else if (found == 0) {
+        m_wait_for_writer -= one_wait;
+        if (m_wait_for_writer == 0) {
+            m_error = "Nobody writes to this pipe";
+            return false;
+        }
+    }
+    return true;
 }
 
 bool SysFile::write(void const* bytes, std::size_t const& size) {

@@ -43,10 +43,13 @@ class QZ_SYS_EXPORT SysFile {
 
   private:
     bool fail(int const& error_number);
+    // Waits a moment for more; false when there is no point in reading on. `has_writer`: somebody
+    // has the pipe open.
+    bool wait_at_pipe(bool const& has_writer);
 
     int m_descriptor = -1;
     unsigned long long m_size = 0;
-    bool m_is_unwritten_pipe = false;
+    int m_wait_for_writer = 0;  // milliseconds; 0 from when somebody is known to write
     std::function<bool()> m_is_stopped;
     CoreString m_error;
 };

@@ -40,6 +40,8 @@ TEST(ObjHostile, ThingsThatAreNoFiles) {
               "Obj.load: '" + pipe + "': Nobody writes to this pipe.\n");
     std::thread writer([&pipe] {
         std::ofstream stream(pipe);
+        // Longer than anybody is waited for: that the pipe is open is enough.
+        std::this_thread::sleep_for(std::chrono::milliseconds(2100));
         stream << points << std::flush;
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         stream << "f 1 2 3 4\n";
