@@ -2,7 +2,7 @@
 
 #include <platform/qz_gmath.h>
 
-#include <cassert>
+#include <algorithm>
 #include <cstdint>
 
 // Equal components, where +0 and -0 are the same.
@@ -15,23 +15,34 @@ inline bool is_same_normal(GMathShortNormal const& a, GMathShortNormal const& b)
 
 // The normals that corners have beside those of their vertices: each vertex's without repetition,
 // all numbered in the order in which they came. The first few of a vertex are a list; a hash table
-// finds the others in constant time, however many there are. Its slots are numbered in 32 bits,
-// which allows 2^30 normals; whose they are depends on where the table lies in memory, so that no
-// file can crowd them, and the numbers do not.
+// finds the others in constant time, however many there are. Where they are in the table depends on
+// where it lies in memory, so that no file can crowd it; their numbers do not.
 class ExtraNormals {
   public:
-    explicit ExtraNormals(unsigned int const& vertex_count) {
+    static constexpr unsigned int no_normal = 0xFFFFFFFFu;
+    static constexpr unsigned int usual_limit = 1u << 30;  // for slots numbered in 32 bits
+
+    // At most `limit` normals, and so many that their numbers and those of vertices are below
+    // `no_normal` in all.
+    explicit ExtraNormals(unsigned int const& vertex_count, unsigned int const& limit = usual_limit)
+        : m_limit(std::min(limit, no_normal - vertex_count)) {
         m_first.reset(vertex_count);
         m_first.fill(no_normal);
     }
 
-    // The number of a normal of this vertex; a new one is appended.
+    // The number of a normal of this vertex; a new one is appended, or `no_normal` if there are as
+    // many as there may be.
     unsigned int add(unsigned int const& vertex, GMathShortNormal const& normal) {
         unsigned int* next = &m_first[vertex];
         for (unsigned int length = 0; length < list_length; ++length) {
             if (*next == no_normal) {
-                *next = m_normals.get_count();  // before append, which moves the list
-                return append(vertex, normal);
+                unsigned int const number = m_normals.get_count();
+                if (number == m_limit) {
+                    return no_normal;
+                }
+                *next = number;  // before append, which moves the list
+                append(vertex, normal);
+                return number;
             }
             if (is_same_normal(m_normals[*next], normal)) {
                 return *next;
@@ -57,7 +68,6 @@ class ExtraNormals {
     }
 
   private:
-    static constexpr unsigned int no_normal = 0xFFFFFFFFu;
     static constexpr unsigned int list_length = 4;
 
     struct Owner {
@@ -78,10 +88,9 @@ class ExtraNormals {
         return hash ^ hash >> 32;
     }
 
-    unsigned int append(unsigned int const& vertex, GMathShortNormal const& normal) {
+    void append(unsigned int const& vertex, GMathShortNormal const& normal) {
         m_normals.append(normal);
         m_owners.append({vertex, no_normal});
-        return m_normals.get_count() - 1;
     }
 
     unsigned int add_to_table(unsigned int const& vertex, GMathShortNormal const& normal) {
@@ -89,8 +98,9 @@ class ExtraNormals {
             grow();
         }
         unsigned int const slot = find_slot(vertex, normal);
-        if (m_slots[slot] == no_normal) {
-            m_slots[slot] = append(vertex, normal);
+        if (m_slots[slot] == no_normal && m_normals.get_count() < m_limit) {
+            m_slots[slot] = m_normals.get_count();
+            append(vertex, normal);
             ++m_table_count;
         }
         return m_slots[slot];
@@ -108,7 +118,6 @@ class ExtraNormals {
     }
 
     void grow() {
-        assert(m_slots.get_count() < 0x80000000u);
         CoreArray<unsigned int> old;
         old.swap(m_slots);
         m_slots.reset(old.is_empty() ? 64 : 2 * old.get_count());
@@ -120,6 +129,7 @@ class ExtraNormals {
         }
     }
 
+    unsigned int m_limit;
     unsigned long long m_seed = reinterpret_cast<std::uintptr_t>(this);
     GMathShortNormalArray m_normals;
     CoreArray<Owner> m_owners;        // by normal

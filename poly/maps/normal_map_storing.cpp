@@ -135,7 +135,11 @@ class NormalMapStore {
         if (flat.are_all(normal, direction)) {
             return absent;
         }
-        m_remap[value] = m_points.point_count + m_extra.add(vertex, normal);
+        unsigned int const number = m_extra.add(vertex, normal);
+        if (number == ExtraNormals::no_normal) {
+            return absent;
+        }
+        m_remap[value] = m_points.point_count + number;
         return m_remap[value];
     }
 

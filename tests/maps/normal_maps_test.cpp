@@ -1,3 +1,4 @@
+#include <poly/maps/extra_normals.h>
 #include <poly/maps/normal_maps.h>
 #include <poly/mesh/mesh_invariants.h>
 #include <poly/mesh/primitive_corners.h>
@@ -170,6 +171,17 @@ TEST(NormalMaps, StoreOnlyWhatOtherNormalsDoNotSay) {
         EXPECT_EQ(map.normals.get_count(), row.extra_count);
         EXPECT_EQ(find_broken_invariant(mesh), "");
     }
+}
+
+TEST(NormalMaps, KeepAsManyNormalsAsThereMayBe) {
+    ExtraNormals extra(2, 70);
+    auto const add = [&](unsigned short const& x) { return extra.add(1, {x, 0, 0}); };
+    for (unsigned short round = 0; round < 2; ++round) {
+        for (unsigned short x = 0; x < 80; ++x) {
+            ASSERT_EQ(add(x), x < 70 ? x : ExtraNormals::no_normal);
+        }
+    }
+    EXPECT_EQ(extra.add(0, {1, 0, 0}), ExtraNormals::no_normal);
 }
 
 TEST(NormalMaps, AreReadByCornerAndByPrimitive) {
