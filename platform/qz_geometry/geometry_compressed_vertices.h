@@ -6,7 +6,8 @@
 
 // An array of vectors, kept as floats or as 16 bits a component within a box. A component q of
 // 0..65535 means minimum + extent * (q * (1 / 65535)), in floats: the minimum exactly when the box
-// has no extent on that axis. An index at or past the count, 0xFFFFFFFF included, reads (0, 0, 0).
+// has no extent on that axis. An extent above the largest float counts as that. An index at or past
+// the count, 0xFFFFFFFF included, reads (0, 0, 0).
 class QZ_GEOMETRY_EXPORT GeometryCompressedVertices {
   public:
     // Keeps `values`; compressed, within the box of them all (NaN components left out).

@@ -67,7 +67,7 @@ class QZ_GEOMETRY_EXPORT GeometryPointCloudData {
     GMathTimeSampling deformation_sampling;
     std::shared_ptr<GeometrySampleProvider> sample_provider;
     // Slots are published with release and read with acquire; filling is under the lock.
-    mutable std::unique_ptr<CacheSlot[]> deformation_sample_cache;
+    std::unique_ptr<CacheSlot[]> deformation_sample_cache;
     mutable SysThreadLock lock;
 
   private:

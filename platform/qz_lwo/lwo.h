@@ -10,7 +10,8 @@
 // any number of threads may load at once, each with a progress bar of its own.
 class QZ_LWO_EXPORT Lwo {
   public:
-    // Decides by the first 12 bytes, whatever the name; false for what cannot be read.
+    // Decides by the first 12 bytes, whatever the name; false for what cannot be read, and for
+    // pipes and devices, which are left alone: what is read from them is gone.
     static bool is_valid(CoreString const& path);
 
     // Reads the layers named `item_name`, byte for byte, or all layers when it is empty, one after

@@ -35,8 +35,7 @@ LwoMapBuilder::LwoMapBuilder(LwoMesh const& mesh, LwoPolygons const& polygons,
       m_first_value(first_value) {}
 
 bool LwoMapBuilder::build(LwoMap const& map, Map& built) {
-    built.values.resize(map.value_limit);
-    built.values.resize(0);
+    built.values.reserve(map.value_limit);
     if (!add_values_of_points(map, built) || !add_values_of_corners(map, built)) {
         return false;
     }

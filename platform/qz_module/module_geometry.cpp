@@ -10,9 +10,10 @@ struct Registry {
     std::set<CoreString> names;
 };
 
+// Never destroyed: names are asked for until the very end of the process.
 Registry& get_registry() {
-    static Registry registry;
-    return registry;
+    static Registry* const registry = new Registry;
+    return *registry;
 }
 
 }  // namespace

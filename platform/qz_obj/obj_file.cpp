@@ -3,8 +3,6 @@
 #include <platform/qz_obj/obj_block_reader.h>
 #include <platform/qz_obj/obj_parser.h>
 
-#include <algorithm>
-
 namespace {
 
 // The byte order marks of UTF-16, which UTF-32 in its usual order begins with too.

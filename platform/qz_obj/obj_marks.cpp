@@ -1,6 +1,6 @@
 #include <platform/qz_obj/obj_marks.h>
 
-#include <bit>
+#include <cstring>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>

@@ -63,7 +63,7 @@ bool keeps_its_edges(PolyMeshTopology const& topology, CoreIndexArray const& cor
                      Values const& values, GMathBbox3<float> const& box) {
     EdgeCounts const counts =
         count_edges(topology, corner_indices, values, get_short_edge_threshold(box));
-    return counts.short_edges * 100u < counts.edges;
+    return counts.short_edges * 100u < counts.edges;  // deliberate: in 32 bits
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <poly/mesh/content_key.h>
+#include <poly/mesh/log_message.h>
 #include <poly/mesh/poly_mesh.h>
 #include <poly/mesh/primitive_building.h>
 
@@ -43,21 +44,13 @@ bool load_file(CoreString const& path, CoreString const& item_name, AppProgressB
     return is_loaded;
 }
 
-template <typename... Parts>
-void log_refusal(Parts const&... parts) {
-    if (CoreLogHandler::get_main().is_admitted(2)) {
-        CoreLogStream stream;
-        CoreLogHandler::get_main().log(2, (stream << ... << parts));
-    }
-}
-
 }  // namespace
 
 bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_name,
                                 double const& /*time*/, AppProgressBar* load_progress,
                                 AppProgressBar* build_progress) {
     if (!SysFilesystem::file_exists(path)) {
-        log_refusal("PolyMesh.import_from_file: File '", path, "' not found.\n");
+        log_message(LOG_REFUSAL, "PolyMesh.import_from_file: File '", path, "' not found.\n");
         return false;
     }
     LoadedFile file;
@@ -71,7 +64,7 @@ bool PolyMesh::import_from_file(CoreString const& path, CoreString const& item_n
         build_progress->start();
     }
     if (!is_loaded || file.positions.is_empty()) {
-        log_refusal("loading '", path, "/", item_name, "' failed.\n");
+        log_message(LOG_REFUSAL, "loading '", path, "/", item_name, "' failed.\n");
         return false;
     }
     if (!file.property_names.is_empty()) {

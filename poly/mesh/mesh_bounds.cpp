@@ -1,6 +1,7 @@
 #include <poly/mesh/mesh_bounds.h>
 
 #include <platform/qz_gmath.h>
+#include <poly/mesh/log_message.h>
 #include <poly/mesh/progress_task.h>
 
 #include <algorithm>
@@ -80,13 +81,8 @@ void reset_bounds(PolyMeshGeometry& geometry) {
 }
 
 void log_invalid_vertex(unsigned int const& vertex, GMathVec3<float> const& p) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(2)) {
-        CoreLogStream stream;
-        stream << "PolyMesh: vertex " << vertex << " is not valid: (" << p.x << ", " << p.y << ", "
-               << p.z << ")\n";
-        log.log(2, stream);
-    }
+    log_message(LOG_REFUSAL, "PolyMesh: vertex ", vertex, " is not valid: (", p.x, ", ", p.y, ", ",
+                p.z, ")\n");
 }
 
 // Returns whether all positions are finite.

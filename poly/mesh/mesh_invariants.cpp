@@ -9,6 +9,8 @@
 
 namespace {
 
+using Info = PolyMeshPrimitiveInfo;
+
 constexpr unsigned int absent = 0xFFFFFFFFu;
 
 std::string describe(std::string const& text, unsigned int const& place) {
@@ -88,31 +90,33 @@ struct Checker {
     // Polygon `polygon` of `n` corners has the primitives that come next.
     std::string check_polygon(unsigned int const& polygon, unsigned int const& n) {
         CHECK_AT(polygon, primitive < primitive_count)
-        bool const is_whole = (t.primitive_infos[primitive] & 2) != 0;
+        bool const is_whole = (t.primitive_infos[primitive] & Info::direct_bit) != 0;
         unsigned int const count = is_whole ? 1 : n - 2;
         CHECK_AT(polygon, is_whole ? n < 5 : n > 3)
         CHECK_AT(polygon, count <= primitive_count - primitive)
         std::set<std::pair<unsigned int, unsigned int>> edges;  // of the cut, by corner number
         for (unsigned int const end = primitive + count; primitive < end; ++primitive) {
-            unsigned int const info = t.primitive_infos[primitive] & 63u;
+            unsigned int const info = t.primitive_infos[primitive] & Info::meaning_mask;
             unsigned int const offset = t.primitive_index_offsets[primitive];
-            unsigned int sides = is_whole ? 60 : 0;
+            unsigned int sides = is_whole ? Info::meaning_mask >> Info::edge_shift : 0;
             CHECK_AT(primitive, t.primitive_polygon_indices[primitive] == polygon)
             CHECK_AT(primitive,
                      t.primitive_shading_groups[primitive] == t.polygon_shading_groups[polygon])
-            CHECK_AT(primitive, (info & 3) == (!is_whole ? 0u : n == 4 ? 3u : 2u))
+            CHECK_AT(primitive, ((info & Info::direct_bit) != 0) == is_whole)
+            CHECK_AT(primitive, ((info & Info::quad_bit) != 0) == (is_whole && n == 4))
             CHECK_AT(primitive, offset == (is_whole ? first : cut_corner))
             PrimitivePlace const place = find_primitive(t, primitive);
-            CHECK_AT(primitive, place.offset == offset && (place.info & 3) == (info & 3))
-            quad_count += info & 1;
+            CHECK_AT(primitive, place.offset == offset && place.is_direct() == is_whole &&
+                                    place.is_quad() == (is_whole && n == 4))
+            quad_count += place.is_quad() ? 1 : 0;
             for (unsigned int k = 0; !is_whole && k < 3; ++k, ++cut_corner) {
                 CHECK_AT(primitive, offset + 3 <= t.triangle_indices.get_count())
                 unsigned int const begin = t.triangle_indices[offset + k] - first;
                 unsigned int const next = t.triangle_indices[offset + (k + 1) % 3] - first;
                 CHECK_AT(primitive, begin < n && edges.insert({begin, next}).second)
-                sides |= next == (begin + 1) % n ? 4u << k : 0;
+                sides |= next == (begin + 1) % n ? 1u << k : 0;
             }
-            CHECK_AT(primitive, !edges_are_built || info >> 2 == sides >> 2)
+            CHECK_AT(primitive, !edges_are_built || info >> Info::edge_shift == sides)
         }
         // Triangles that lie side by side: diagonals run both ways, sides of the polygon one.
         for (auto const& [begin, end] : edges) {

@@ -45,8 +45,9 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     // Filling
 
     // Replaces everything but the creases and the compression mode of a topology that is the mesh's
-    // own. Arrays are copied.
-    // - positions: one per vertex; may hold NaN and infinities, which bounds leave out;
+    // own, its properties, and what `get_import_data` tells of a file. Arrays are copied.
+    // - positions: one per vertex; may hold NaN and infinities, which the boxes of the mesh and of
+    //   groups leave out (those of primitives do not);
     // - velocities: one per vertex, or they are ignored; either way they enter the key;
     // - polygon_vertex_indices: of all corners, polygon after polygon, each below the vertex count;
     // - polygon_vertex_count: corners of each polygon, adding up to at most the corners given;
@@ -56,8 +57,9 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     // - check_quads: cut 4-gons that are not convex, instead of keeping every 4-gon as a quad;
     // - progress: may be null.
     // Polygons of fewer than 3 corners give no primitive. Refused at level 2, with the mesh left
-    // empty: polygons that name vertices, corners or groups that are not there, and those that
-    // would have more than 2^32 - 2 corners of triangles if they were all cut.
+    // empty: a corner whose vertex is not there, counts that add up to more corners than are given,
+    // fewer groups than polygons, and polygons that would have more than 2^32 - 2 corners of
+    // triangles if they were all cut.
     void set(CoreBasicArray<GMathVec3<float>> const& positions,
              CoreBasicArray<GMathVec3<float>> const& velocities,
              CoreBasicArray<unsigned int> const& polygon_vertex_indices,
@@ -69,13 +71,16 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
              CoreBasicArray<GeometryColorMap> const& color_maps, bool const& check_quads,
              AppProgressBar* progress);
 
-    // Fills the mesh from a LightWave object or a Wavefront OBJ file, told apart by content. False
-    // when the file is missing, cannot be read or has no vertices; the reason is logged at level 2
-    // and the mesh is untouched.
+    // Fills the mesh from a LightWave object or a Wavefront OBJ file, told apart by content; what
+    // comes through a pipe is taken for an OBJ file. False when the file is missing, cannot be
+    // read, has no vertices or too many corners (as in `set`), or when a stop is requested of
+    // `load_progress`; the reason is logged at level 2 and the mesh is untouched.
     // - item_name: the layers to load of a LightWave object; empty for all;
     // - time: not used;
-    // - load_progress, build_progress: may be null. Deliberate: 4-gons that are not convex are cut
-    //   only when `build_progress` is given.
+    // - load_progress, build_progress: may be null. The first is finished, also after a failure;
+    // the
+    //   second is started and no more. Deliberate: 4-gons that are not convex are cut only when
+    //   `build_progress` is given.
     // The key covers positions and polygons alone. The mesh has no velocities.
     bool import_from_file(CoreString const& path, CoreString const& item_name, double const& time,
                           AppProgressBar* load_progress, AppProgressBar* build_progress);
@@ -107,7 +112,8 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
 
     // Maps
 
-    // Replaces all normal maps. `progress` may be null.
+    // Replaces all normal maps. Of a map's values, at most 2^30 are kept beside the normals of the
+    // vertices; corners beyond are left flat. `progress` may be null.
     void set_normal_maps(CoreBasicArray<GeometryNormalMap> const& normal_maps,
                          AppProgressBar* progress);
     // Applies to uv maps assigned from now on; those that are there stay as they are.

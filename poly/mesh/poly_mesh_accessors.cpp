@@ -4,9 +4,6 @@
 
 #include <cassert>
 
-// The bit of each edge, before the shift to its place in the info byte.
-static constexpr unsigned int edge_masks[4] = {1, 2, 4, 8};
-
 unsigned int PolyMesh::get_polygon_count() const {
     return m_topology->polygon_vertex_count.get_count();
 }
@@ -60,7 +57,7 @@ unsigned int PolyMesh::get_primitive_polygon_id(unsigned int const& primitive) c
 void PolyMesh::set_primitive_edge_visibility(unsigned int const& primitive,
                                              unsigned int const& edge, bool const& visible) {
     assert(primitive < get_primitive_count() && edge < 4);
-    unsigned int const mask = edge_masks[edge] << PolyMeshPrimitiveInfo::edge_shift;
+    unsigned int const mask = PolyMeshPrimitiveInfo::get_edge_bit(edge);
     bool const is_set = visible;
     own_topology_copy();
     unsigned char& info = m_topology->primitive_infos[primitive];
@@ -106,7 +103,7 @@ unsigned int PolyMesh::get_primitive_shading_group_index(unsigned int const& pri
 bool PolyMesh::is_primitive_edge_visible(unsigned int const& primitive,
                                          unsigned int const& edge) const {
     assert(edge < 4);
-    unsigned int const mask = edge_masks[edge] << PolyMeshPrimitiveInfo::edge_shift;
+    unsigned int const mask = PolyMeshPrimitiveInfo::get_edge_bit(edge);
     return (m_topology->primitive_infos[primitive] & mask) != 0;
 }
 

@@ -36,6 +36,11 @@ struct PolyMeshPrimitiveInfo {
     static constexpr unsigned int direct_bit = 1u << 1;  // a whole polygon; else cut from one
     static constexpr unsigned int edge_shift = 2;        // edge e is visible when bit 2 + e is set
     static constexpr unsigned int meaning_mask = 0x3Fu;
+
+    // `edge` is 0 to 3.
+    static constexpr unsigned int get_edge_bit(unsigned int const& edge) {
+        return 1u << (edge_shift + edge);
+    }
 };
 
 // Polygons, primitives, names, and the maps that do not depend on positions.
@@ -78,13 +83,13 @@ struct PolyMeshTopology {
     CoreIndexArray primitive_index_offsets;
     CoreIndexArray primitive_shading_groups;
     CoreArray<unsigned char> primitive_infos;
-    // 3 or 4 if every polygon is a primitive with so many corners, so that those of primitive p
-    // start at p times that in polygon_vertex_indices; else 0. Their bits as they were built.
-    unsigned int uniform_corner_count = 0;
-    unsigned int uniform_info = 0;
     unsigned int primitive_index_count = 0;  // corners of all primitives
     unsigned int triangle_count = 0;
     unsigned int quad_count = 0;
+    // 3 or 4 if every polygon is a primitive with so many corners, so that those of primitive p
+    // start at p times that in polygon_vertex_indices; else 0.
+    unsigned int uniform_corner_count = 0;
+    unsigned int uniform_info = 0;  // the info of such primitives as they were built
     CoreArray<CoreString> shading_group_names;
     CoreArray<PolyMeshUvMap> uv_maps;
     CoreArray<PolyMeshColorMap> color_maps;

@@ -1,5 +1,6 @@
 #include <poly/mesh/primitive_building.h>
 
+#include <poly/mesh/log_message.h>
 #include <poly/mesh/progress_task.h>
 #include <poly/topology/triangulate_polygon.h>
 
@@ -8,8 +9,9 @@
 
 namespace {
 
-constexpr unsigned int whole_triangle_info = 62;  // direct, all edge bits set, the unused one too
-constexpr unsigned int whole_quad_info = 63;      // the same with the quad bit
+// Direct, with all edges visible, of a triangle the unused fourth too.
+constexpr unsigned int whole_quad_info = PolyMeshPrimitiveInfo::meaning_mask;
+constexpr unsigned int whole_triangle_info = whole_quad_info & ~PolyMeshPrimitiveInfo::quad_bit;
 
 // p and r lie strictly on opposite sides of the line through q and s.
 bool are_opposite(GMathVec3<float> const& q, GMathVec3<float> const& s, GMathVec3<float> const& p,
@@ -32,7 +34,7 @@ unsigned char get_cut_info(unsigned int const* triangle, unsigned int const& cor
     for (unsigned int k = 0; k < 3; ++k) {
         unsigned int const next = triangle[k] + 1 == corner_count ? 0 : triangle[k] + 1;
         if (triangle[k == 2 ? 0 : k + 1] == next) {
-            info |= 1u << (PolyMeshPrimitiveInfo::edge_shift + k);
+            info |= PolyMeshPrimitiveInfo::get_edge_bit(k);
         }
     }
     return static_cast<unsigned char>(info);
@@ -207,13 +209,6 @@ class PrimitiveBuilder {
     unsigned int m_degenerate_count = 0;
 };
 
-void log_refusal(char const* operation, char const* reason) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(2)) {
-        log.log(2, CoreLogStream() << operation << ": " << reason << "\n");
-    }
-}
-
 }  // namespace
 
 bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
@@ -222,7 +217,7 @@ bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
     unsigned long long cut_corner_count = 0;
     for (unsigned int const n : polygons.vertex_count) {
         corner_count += n;
-        cut_corner_count += 3ull * (n > 2 ? n - 2 : 0);
+        cut_corner_count += get_cut_corner_count(n);
     }
     bool is_there = true;
     for (unsigned int const vertex : polygons.vertex_indices) {
@@ -230,10 +225,11 @@ bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
     }
     if (!is_there || corner_count > polygons.vertex_indices.get_count() ||
         polygons.shading_groups.get_count() < polygons.vertex_count.get_count()) {
-        log_refusal(operation, "The polygons name vertices, corners or groups that are not there.");
+        log_message(LOG_REFUSAL, operation,
+                    ": The polygons name vertices, corners or groups that are not there.\n");
         return false;
     }
-    if (cut_corner_count > 0xFFFFFFFEull) {
+    if (cut_corner_count > largest_cut_corner_count) {
         log_too_large(operation);
         return false;
     }
@@ -241,7 +237,7 @@ bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
 }
 
 void log_too_large(char const* operation) {
-    log_refusal(operation, "The polygons have too many corners.");
+    log_message(LOG_REFUSAL, operation, ": The polygons have too many corners.\n");
 }
 
 unsigned int build_primitives(PolyMeshPolygons const& polygons,
@@ -252,11 +248,6 @@ unsigned int build_primitives(PolyMeshPolygons const& polygons,
 }
 
 void log_degenerate_triangles(unsigned int const& count, AppProgressBar const* progress) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(4)) {
-        CoreLogStream stream;
-        stream << (progress ? progress->get_name() : CoreString("PolyMesh"))
-               << ": the triangulation has detected " << count << " degenerated triangle(s).\n";
-        log.log(4, stream);
-    }
+    log_message(LOG_WARNING, progress ? progress->get_name() : CoreString("PolyMesh"),
+                ": the triangulation has detected ", count, " degenerated triangle(s).\n");
 }

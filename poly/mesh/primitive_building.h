@@ -3,9 +3,17 @@
 #include <platform/qz_app_base.h>
 #include <poly/mesh/poly_mesh_records.h>
 
-// Whether polygons can be built over `vertex_count` vertices: their corners, vertices and groups
-// are there, and all cut into triangles, their corners number at most 2^32 - 2. If not, that is
-// said at level 2. `operation` is the class and operation joined by a point.
+// Corners of triangles are numbered in 32 bits, of which one number means none.
+constexpr unsigned long long largest_cut_corner_count = 0xFFFFFFFEull;
+// Those that a polygon of `n` corners has when it is cut.
+constexpr unsigned long long get_cut_corner_count(unsigned int const& n) {
+    return n > 2 ? 3ull * (n - 2) : 0;
+}
+
+// Whether polygons can be built over `vertex_count` vertices: their corners and vertices are there,
+// each has a group, named or not, and all cut into triangles, their corners number at most
+// `largest_cut_corner_count`. If not, that is said at level 2. `operation` is the class and
+// operation joined by a point.
 bool is_buildable(char const* operation, PolyMeshPolygons const& polygons,
                   unsigned int const& vertex_count);
 // Says at level 2 that polygons would have too many corners.

@@ -102,22 +102,11 @@ class PrimitiveReader {
         return (info & PolyMeshPrimitiveInfo::quad_bit) == 0 ? 3 : 4;
     }
     unsigned int get_vertices(unsigned int const& primitive, unsigned int (&vertices)[4]) const {
-        unsigned int const info = m_infos[primitive];
-        unsigned int const offset = m_offsets[primitive];
-        if ((info & PolyMeshPrimitiveInfo::direct_bit) == 0) {
-            vertices[0] = m_vertices[m_triangle_indices[offset]];
-            vertices[1] = m_vertices[m_triangle_indices[offset + 1]];
-            vertices[2] = m_vertices[m_triangle_indices[offset + 2]];
-            return 3;
+        unsigned int const count = get_corner_ids(primitive, vertices);
+        for (unsigned int k = 0; k < count; ++k) {
+            vertices[k] = m_vertices[vertices[k]];
         }
-        vertices[0] = m_vertices[offset];
-        vertices[1] = m_vertices[offset + 1];
-        vertices[2] = m_vertices[offset + 2];
-        if ((info & PolyMeshPrimitiveInfo::quad_bit) == 0) {
-            return 3;
-        }
-        vertices[3] = m_vertices[offset + 3];
-        return 4;
+        return count;
     }
     unsigned int get_vertex(unsigned int const& corner_id) const { return m_vertices[corner_id]; }
 

@@ -1,4 +1,5 @@
 #include <poly/mesh/array_sizes.h>
+#include <poly/mesh/log_message.h>
 #include <poly/mesh/poly_mesh.h>
 
 namespace {
@@ -6,10 +7,7 @@ namespace {
 // Each line stands for itself: the level is asked for every one.
 template <typename T>
 void log_line(char const* label, T const& value) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(3)) {
-        log.log(3, CoreLogStream() << label << value << "\n");
-    }
+    log_message(LOG_INFORMATION, label, value, "\n");
 }
 
 void log_point_cloud(GeometryPointCloud const& cloud) {

@@ -1,5 +1,7 @@
 #include <poly/mesh/content_key.h>
+#include <poly/mesh/log_message.h>
 #include <poly/mesh/poly_mesh.h>
+#include <poly/mesh/primitive_building.h>
 
 #include <algorithm>
 #include <bit>
@@ -121,9 +123,9 @@ struct Block {
         for (unsigned int polygon = 0; polygon < vertex_count.count; ++polygon) {
             unsigned int const n = vertex_count.get(polygon);
             corner_count += n;
-            cut_corner_count += 3ull * (n > 2 ? n - 2 : 0);
+            cut_corner_count += get_cut_corner_count(n);
         }
-        if (corner_count > vertex_indices.count || cut_corner_count > 0xFFFFFFFEull) {
+        if (corner_count > vertex_indices.count || cut_corner_count > largest_cut_corner_count) {
             return false;
         }
         for (unsigned int corner = 0; corner < vertex_indices.count; ++corner) {
@@ -136,10 +138,7 @@ struct Block {
 };
 
 bool refuse(char const* message) {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (log.is_admitted(2)) {
-        log.log(2, CoreLogStream() << message);
-    }
+    log_message(LOG_REFUSAL, message);
     return false;
 }
 

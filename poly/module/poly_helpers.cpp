@@ -24,12 +24,11 @@ struct Sphere {
     unsigned int rings;
     GMathVec3<double> radii;
 
-    unsigned int get_vertex_count() const { return segments * (rings - 1) + 2; }
     unsigned int get_corner_count() const { return 6 * segments + 4 * segments * (rings - 2); }
     // Whether the triangles, 2 * segments * (rings - 1) of them, can be built.
     bool is_buildable() const {
         unsigned long long const corners_of_ring = 6ull * segments;
-        return rings - 1 <= 0xFFFFFFFEull / corners_of_ring;
+        return rings - 1 <= largest_cut_corner_count / corners_of_ring;
     }
     unsigned int get_next(unsigned int const& segment) const {
         return segment + 1 == segments ? 0 : segment + 1;

@@ -37,8 +37,8 @@ class QZ_POLY_EXPORT PolyMeshProperty : public GeometryProperty {
     };
 
     // `time_sampling` has a sample per block. The counts are those of GeometryProperty.
-    // `owns_values`: delete a block when another takes its place, when `init` refuses one as said
-    // there, and at the end.
+    // `owns_values`: delete an attached block when another takes its place, when `init` takes it
+    // away, and at the end.
     PolyMeshProperty(PolyMesh const& mesh, PolyMeshProperty::Type const& type,
                      ResourceProperty::Type const& value_type, unsigned int const& value_extent,
                      unsigned int const& value_count, unsigned int const& index_count,

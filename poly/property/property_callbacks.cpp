@@ -5,7 +5,6 @@
 #include <poly/render/surface_weights.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <iterator>
 
 namespace {

@@ -7,8 +7,8 @@
 
 #include <span>
 
-// Where parameters (s, t) lie among the corners q0, q1, q2 (and q3) of a primitive. This is the one
-// place that knows how a quad is cut.
+// Where parameters (s, t) lie among the corners q0, q1, q2 (and q3) of a primitive. Whatever
+// samples a surface learns here how a quad is cut.
 //
 //      t                        t
 //      |                        q3 ---- q2

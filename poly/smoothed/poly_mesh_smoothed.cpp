@@ -1,6 +1,7 @@
 #include <poly/smoothed/poly_mesh_smoothed.h>
 
 #include <poly/maps/normal_maps.h>
+#include <poly/mesh/log_message.h>
 #include <poly/smoothed/smoothing_build.h>
 
 #include <new>
@@ -62,17 +63,13 @@ unsigned long long PolyMeshSmoothed::get_memory_size() const {
 }
 
 void PolyMeshSmoothed::print_stats() const {
-    CoreLogHandler& log = CoreLogHandler::get_main();
-    if (!log.is_admitted(3)) {
-        return;
-    }
     unsigned long long const indices = m_normal_map->polygon_indices.get_memory_size();
     unsigned long long const normals = m_normal_map->normals.get_memory_size();
     unsigned long long const map = indices + normals + m_normal_map->name.get_length() + 16;
-    log.log(3, CoreLogStream() << "GEOMETRY SMOOTH: " << get_memory_size() << "\n");
-    log.log(3, CoreLogStream() << "  normal_map:                     " << map << "\n");
-    log.log(3, CoreLogStream() << "    polygon_indices:              " << indices << "\n");
-    log.log(3, CoreLogStream() << "    normals:                      " << normals << "\n");
+    log_message(LOG_INFORMATION, "GEOMETRY SMOOTH: ", get_memory_size(), "\n");
+    log_message(LOG_INFORMATION, "  normal_map:                     ", map, "\n");
+    log_message(LOG_INFORMATION, "    polygon_indices:              ", indices, "\n");
+    log_message(LOG_INFORMATION, "    normals:                      ", normals, "\n");
 }
 
 // A mesh without primitives that was set last has left the map of the one before.

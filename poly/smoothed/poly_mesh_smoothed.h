@@ -36,13 +36,15 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
     // Smooths the normals of `mesh`: across edges of two faces that are wound alike and whose angle
     // is below `smoothing_angle`, in degrees from 0 to 180; 0 keeps every edge sharp. Normal map
     // number `normal_map_index` of the mesh is used instead when there is one. A mesh without
-    // primitives is only remembered. `progress` may be null.
+    // primitives is only remembered. Vertices and corners number at most 2^32 - 2 in all.
+    // `progress` may be null.
     void set(PolyMesh const& mesh, double const& smoothing_angle,
              unsigned int const& normal_map_index, AppProgressBar* progress);
 
     PolyMesh const* get_poly_mesh() const { return m_mesh; }  // null before `set`
     unsigned int const& get_normal_map_index() const { return m_normal_map_index; }
-    // The map that the queries use: this view's own or one of the mesh's; null before `set`.
+    // The map that the queries use: this view's own or one of the mesh's; null before `set`. After
+    // a mesh without primitives it is still that of the mesh before, which may be gone.
     PolyMeshNormalMap const* get_current_normal_map() const { return m_current_normal_map; }
 
     // The edges of primitives that are hard at an angle: a byte per primitive, whose bit e stands
@@ -76,7 +78,8 @@ class QZ_POLY_EXPORT PolyMeshSmoothed : public PolyMeshBase {
 
     // GeometryObject
 
-    // Null when there is no memory for the view and its map.
+    // Null when there is no memory for the view itself; running out in its arrays ends the program,
+    // as everywhere.
     PolyMeshSmoothed* get_copy() const override;
     GMathBbox3<double> get_bbox() const override;
     GMathBbox3<double> get_bbox_at(CtxEval const& ctx, double const& time) const override;

@@ -258,7 +258,7 @@ void find_hard_edges(PolyMeshTopology const& topology, CoreBasicArray<Vec3> cons
         bool const is_whole_quad = is_quad(topology, primitive);
         for (SurfaceTriangle const& triangle : get_surface_triangles(is_whole_quad)) {
             for (unsigned int k = 0; k < 3; ++k, ++next) {
-                bool const is_diagonal = is_whole_quad && k == (half == 0 ? 2u : 0u);
+                bool const is_diagonal = is_whole_quad && is_quad_diagonal(half, k);
                 if (!is_diagonal && *next == SmoothingEdge::HARD) {
                     hard |= 1u << triangle.corners[k];
                 }

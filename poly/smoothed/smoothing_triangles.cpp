@@ -9,14 +9,13 @@
 namespace {
 
 // Edge k of a triangle that was cut from a polygon is smooth unless it is a side of the polygon; of
-// a whole triangle, every edge is a side. The two halves of a quad meet in edge 2 of the first and
-// edge 0 of the second.
+// a whole triangle, every edge is a side.
 bool is_within_polygon(unsigned int const& info, unsigned int const& half, unsigned int const& k) {
     if ((info & PolyMeshPrimitiveInfo::quad_bit) != 0) {
-        return half == 0 ? k == 2 : k == 0;
+        return is_quad_diagonal(half, k);
     }
     return (info & PolyMeshPrimitiveInfo::direct_bit) == 0 &&
-           (info & 1u << (PolyMeshPrimitiveInfo::edge_shift + k)) == 0;
+           (info & PolyMeshPrimitiveInfo::get_edge_bit(k)) == 0;
 }
 
 }  // namespace

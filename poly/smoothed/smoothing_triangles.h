@@ -21,6 +21,11 @@ struct SmoothingTriangles {
     unsigned int get_count() const { return vertices.get_count() / 3; }
 };
 
+// The two halves of a quad meet in edge 2 of the first and edge 0 of the second.
+inline bool is_quad_diagonal(unsigned int const& half, unsigned int const& edge) {
+    return edge == (half == 0 ? 2u : 0u);
+}
+
 // The corner after, and the one before, on the corner's triangle. The edge of the corner before
 // ends where this corner's starts.
 inline unsigned int get_next_corner(unsigned int const& corner) {

@@ -53,7 +53,7 @@ class LargeCorners {
 
     bool close_blocked(unsigned int const& a, unsigned int const& b, unsigned int const& c) {
         unsigned int const known = m_blocked.get_blocker(b);
-        if (known != CornerTree::no_slot && m_tree.is_blocker(known, a, b, c)) {
+        if (known != no_corner && m_tree.is_blocker(known, a, b, c)) {
             m_open.remove(b);
             return true;
         }

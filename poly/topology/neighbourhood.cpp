@@ -2,7 +2,6 @@
 
 #include <poly/topology/edge_lists.h>
 
-#include <algorithm>
 #include <numeric>
 #include <utility>
 

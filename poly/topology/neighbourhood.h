@@ -24,9 +24,10 @@ QZ_POLY_EXPORT void compute_quads_neighbourhood(CoreArray<unsigned int>& neighbo
                                                 unsigned int const& vertex_count,
                                                 AppProgressBar* progress);
 
-// The same for polygons of any size, whose corners start at their entry of `polygon_offsets`. The
-// outputs have an entry per corner: the neighbouring polygon, the neighbour's edge within it, and 1
-// where exactly two edges meet and run in opposite directions, else 0.
+// The same for polygons of any size, whose corners start at their entry of `polygon_offsets` and
+// lie within `polygon_vertex_indices` (not checked). The outputs have an entry per corner: the
+// neighbouring polygon, the neighbour's edge within it, and 1 where exactly two edges meet and run
+// in opposite directions, else 0.
 QZ_POLY_EXPORT void
 compute_polygons_neighbourhood(CoreArray<unsigned int>& neighbour_polygons,
                                CoreArray<unsigned int>& neighbour_edges,

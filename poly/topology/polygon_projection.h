@@ -20,20 +20,21 @@ class PolygonFrame {
         Vec const normal = normalise(sum_normal(positions, indices, count, origin, first));
         Vec direction = normalise(first);
         // Deliberate: one-sided, a direction against the normal is taken.
-        for (unsigned int k = 2; k < count && dot(direction, normal) > normal_cosine_limit; ++k) {
+        for (unsigned int k = 2; k < count && gmath_dot(direction, normal) > normal_cosine_limit;
+             ++k) {
             direction = normalise(get_offset(positions[indices[k]], origin));
         }
         m_origin = Vec(origin);
-        m_b = cross(normal, direction);
+        m_b = gmath_cross(normal, direction);
         m_inverse_b_length = compute_inverse_length(m_b);
-        m_t = normalise(cross(m_b, normal));
+        m_t = normalise(gmath_cross(m_b, normal));
     }
 
     // Widened first, then subtracted: not the difference that the normal is summed from.
     PlanePoint project(GMathVec3<float> const& position) const {
         Vec const d = Vec(position) - m_origin;
-        double const v = dot(d, m_b) * m_inverse_b_length;
-        return {static_cast<float>(dot(d, m_t)), static_cast<float>(v)};
+        double const v = gmath_dot(d, m_b) * m_inverse_b_length;
+        return {static_cast<float>(gmath_dot(d, m_t)), static_cast<float>(v)};
     }
 
   private:
@@ -50,21 +51,15 @@ class PolygonFrame {
         return Vec(p - origin);
     }
 
-    static double dot(Vec const& a, Vec const& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-
-    static Vec cross(Vec const& a, Vec const& b) {
-        return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-    }
-
     // 1 / |a|, or 0 for a vector without length.
     static double compute_inverse_length(Vec const& a) {
-        double const length = std::sqrt(dot(a, a));
+        double const length = std::sqrt(gmath_dot(a, a));
         return length > least_length ? 1.0 / length : 0.0;
     }
 
     // Not the product with the factor above: that would keep the NaN of a vector without length.
     static Vec normalise(Vec const& a) {
-        double const length = std::sqrt(dot(a, a));
+        double const length = std::sqrt(gmath_dot(a, a));
         return length > least_length ? a * (1.0 / length) : Vec(0.0, 0.0, 0.0);
     }
 
@@ -76,7 +71,7 @@ class PolygonFrame {
         Vec sum(0.0, 0.0, 0.0);
         for (unsigned int k = 2; k < count; ++k) {
             Vec const current = get_offset(positions[indices[k]], origin);
-            sum += cross(previous, current);
+            sum += gmath_cross(previous, current);
             previous = current;
         }
         return sum;
