@@ -32,10 +32,10 @@ bool Lwo::load(CoreString const& path, CoreString const& item_name,
         return false;
     }
     positions.swap(mesh.positions);
-    polygon_vertex_indices.swap(mesh.corners);
-    polygon_vertex_count.swap(mesh.polygon_counts);
-    polygon_shading_groups.swap(mesh.polygon_groups);
-    shading_group_names.swap(mesh.group_names);
+    polygon_vertex_indices.swap(mesh.polygon_vertex_indices);
+    polygon_vertex_count.swap(mesh.polygon_vertex_count);
+    polygon_shading_groups.swap(mesh.polygon_shading_groups);
+    shading_group_names.swap(mesh.shading_group_names);
     uv_maps.swap(mesh.uv_maps);
     normal_maps.swap(mesh.normal_maps);
     return true;

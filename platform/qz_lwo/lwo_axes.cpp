@@ -7,7 +7,7 @@ constexpr unsigned int polygons_per_check = 0x1000;
 // Twice the polygon's area as seen along z: the z component of its normal at full length.
 double compute_normal_z(LwoMesh const& mesh, unsigned int const& first_corner,
                         unsigned int const& corner_count) {
-    unsigned int const* const corners = mesh.corners.get_data() + first_corner;
+    unsigned int const* const corners = mesh.polygon_vertex_indices.get_data() + first_corner;
     GMathVec3<double> const origin(mesh.positions[corners[0]]);
     GMathVec3<double> last = GMathVec3<double>(mesh.positions[corners[corner_count - 1]]) - origin;
     double sum = 0.0;
@@ -26,7 +26,8 @@ long long count_votes(LwoMesh const& mesh, GeometryNormalMap const& map,
     double const normal_z = compute_normal_z(mesh, first_corner, corner_count);
     long long votes = 0;
     for (unsigned int i = first_corner; i < first_corner + corner_count; ++i) {
-        unsigned int const value = map.indices.is_empty() ? mesh.corners[i] : map.indices[i];
+        unsigned int const value =
+            map.indices.is_empty() ? mesh.polygon_vertex_indices[i] : map.indices[i];
         if (value != CoreIndexArray::absent) {
             double const product = static_cast<double>(map.values[value].z) * normal_z;
             votes += product > 0.0 ? 1 : product < 0.0 ? -1 : 0;
@@ -40,12 +41,12 @@ long long count_votes(LwoMesh const& mesh, GeometryNormalMap const& map,
 bool lwo_convert_normals(LwoMesh const& mesh, GeometryNormalMap& map, LwoReport& report) {
     long long votes = 0;
     unsigned int first_corner = 0;
-    for (unsigned int i = 0; i < mesh.polygon_counts.get_count(); ++i) {
+    for (unsigned int i = 0; i < mesh.polygon_vertex_count.get_count(); ++i) {
         if (i % polygons_per_check == 0 && !report.advance(0)) {
             return false;
         }
-        votes += count_votes(mesh, map, first_corner, mesh.polygon_counts[i]);
-        first_corner += mesh.polygon_counts[i];
+        votes += count_votes(mesh, map, first_corner, mesh.polygon_vertex_count[i]);
+        first_corner += mesh.polygon_vertex_count[i];
     }
     if (votes < 0) {
         for (GMathVec3<float>& normal : map.values) {

@@ -16,8 +16,8 @@ constexpr unsigned int corners_per_check = 1u << 20;
 // Without indices, and with the same meaning, when corners take the values of their vertices.
 void drop_plain_indices(LwoMesh const& mesh, LwoMapBuilder::Map& map) {
     if (map.values.get_count() == mesh.positions.get_count() &&
-        std::equal(map.indices.begin(), map.indices.end(), mesh.corners.begin(),
-                   mesh.corners.end())) {
+        std::equal(map.indices.begin(), map.indices.end(), mesh.polygon_vertex_indices.begin(),
+                   mesh.polygon_vertex_indices.end())) {
         map.indices.clear();
     }
 }
@@ -157,7 +157,7 @@ bool LwoMapBuilder::read_values_of_corners(LwoMapPart const& part, Map& built) {
 // The walk is short: a polygon of a form with maps has at most 1023 corners.
 inline bool LwoMapBuilder::find_corner(unsigned int const& vertex, unsigned int const& polygon,
                                        Place& place) const {
-    unsigned int const* const corners = m_mesh.corners.get_data();
+    unsigned int const* const corners = m_mesh.polygon_vertex_indices.get_data();
     unsigned int const first = m_polygons.get_first_corner(polygon);
     place.vertex = vertex;
     place.end = m_polygons.get_end_corner(polygon);
@@ -171,7 +171,7 @@ inline bool LwoMapBuilder::find_corner(unsigned int const& vertex, unsigned int 
 
 // A polygon may visit a point more than once: all these corners get the value.
 inline void LwoMapBuilder::set_corners(Place const& place, Map& built) const {
-    unsigned int const* const corners = m_mesh.corners.get_data();
+    unsigned int const* const corners = m_mesh.polygon_vertex_indices.get_data();
     unsigned int* const indices = built.indices.get_data();
     unsigned int const value = built.values.get_count();
     for (unsigned int i = place.corner; i < place.end; ++i) {
@@ -200,7 +200,7 @@ bool LwoMapBuilder::list_values_of_points(LwoMapPart const& part, Map& built) {
     if (!charge_list(part)) {
         return false;
     }
-    unsigned int const count = m_mesh.corners.get_count();
+    unsigned int const count = m_mesh.polygon_vertex_indices.get_count();
     unsigned int const first = m_first_value;
     built.indices.resize(count);
     unsigned int* const indices = built.indices.get_data();
@@ -208,7 +208,7 @@ bool LwoMapBuilder::list_values_of_points(LwoMapPart const& part, Map& built) {
         if (i % corners_per_check == 0 && !m_report.advance(0)) {
             return false;
         }
-        unsigned int const value = m_values_of_points[m_mesh.corners[i]];
+        unsigned int const value = m_values_of_points[m_mesh.polygon_vertex_indices[i]];
         indices[i] = value >= first ? value - first : CoreIndexArray::absent;
     }
     return true;
@@ -218,13 +218,13 @@ bool LwoMapBuilder::list_no_values(LwoMapPart const& part, Map& built) {
     if (!charge_list(part)) {
         return false;
     }
-    built.indices.resize(m_mesh.corners.get_count());
+    built.indices.resize(m_mesh.polygon_vertex_indices.get_count());
     built.indices.fill(CoreIndexArray::absent);
     return true;
 }
 
 bool LwoMapBuilder::charge_list(LwoMapPart const& part) {
-    m_list_bytes += sizeof(unsigned int) * m_mesh.corners.get_count();
+    m_list_bytes += sizeof(unsigned int) * m_mesh.polygon_vertex_indices.get_count();
     return m_list_bytes <= m_list_limit ||
            m_report.refuse(part.chunk, part.chunk.offset,
                            "too many maps, their lists of corners take too much memory");
@@ -236,11 +236,11 @@ bool LwoMapBuilder::mark_used_points() {
     }
     m_values_of_points.resize(m_mesh.positions.get_count());
     m_values_of_points.fill(unused);
-    for (unsigned int i = 0; i < m_mesh.corners.get_count(); ++i) {
+    for (unsigned int i = 0; i < m_mesh.polygon_vertex_indices.get_count(); ++i) {
         if (i % corners_per_check == 0 && !m_report.advance(0)) {
             return false;
         }
-        m_values_of_points[m_mesh.corners[i]] = without_value;
+        m_values_of_points[m_mesh.polygon_vertex_indices[i]] = without_value;
     }
     return true;
 }

@@ -20,8 +20,8 @@ bool is_polygon_type(unsigned int const& type) {
 LwoPolygons::LwoPolygons(LwoContents const& contents, LwoMesh& mesh)
     : m_contents(contents), m_mesh(mesh) {
     mesh.positions.resize(contents.point_count);
-    mesh.corners.resize(contents.index_limit);
-    mesh.polygon_counts.resize(contents.index_limit);
+    mesh.polygon_vertex_indices.resize(contents.index_limit);
+    mesh.polygon_vertex_count.resize(contents.index_limit);
     m_first_corners.resize(contents.index_limit + 1);
     m_first_corners[0] = 0;
     m_surfaces.resize(contents.index_limit);
@@ -110,10 +110,10 @@ bool LwoPolygons::read_old_polygons(LwoChunk const& chunk, LwoReport& report) {
 }
 
 void LwoPolygons::finish() {
-    m_mesh.corners.resize(m_corner_count);
-    m_mesh.corners.shrink_to_fit();
-    m_mesh.polygon_counts.resize(m_kept_count);
-    m_mesh.polygon_counts.shrink_to_fit();
+    m_mesh.polygon_vertex_indices.resize(m_corner_count);
+    m_mesh.polygon_vertex_indices.shrink_to_fit();
+    m_mesh.polygon_vertex_count.resize(m_kept_count);
+    m_mesh.polygon_vertex_count.shrink_to_fit();
     m_first_corners.resize(m_count + 1);
     m_first_corners.shrink_to_fit();
     m_surfaces.resize(m_count);
@@ -139,9 +139,9 @@ bool LwoPolygons::read_corners(LwoChunk const& chunk, LwoByteReader& data,
     if (count < least_corners) {
         report.warn(LwoReport::SMALL_POLYGON, chunk, data.get_offset() - 2);
     }
-    assert(count <= m_mesh.corners.get_count() - m_corner_count);
+    assert(count <= m_mesh.polygon_vertex_indices.get_count() - m_corner_count);
     LwoPoints const points = m_points;
-    unsigned int* const out = m_mesh.corners.get_data() + m_corner_count;
+    unsigned int* const out = m_mesh.polygon_vertex_indices.get_data() + m_corner_count;
     for (unsigned int i = count; i-- > 0;) {  // backwards: the corners are reversed
         unsigned long long const offset = data.get_offset();
         unsigned int index = 0;
@@ -181,7 +181,7 @@ bool LwoPolygons::read_old_surface(LwoChunk const& chunk, LwoByteReader& data,
 
 void LwoPolygons::add_polygon(unsigned int const& corner_count, unsigned int const& surface) {
     if (corner_count >= least_corners) {
-        m_mesh.polygon_counts[m_kept_count++] = corner_count;
+        m_mesh.polygon_vertex_count[m_kept_count++] = corner_count;
         m_corner_count += corner_count;
     }
     m_surfaces[m_count++] = surface;

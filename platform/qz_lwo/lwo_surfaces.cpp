@@ -80,9 +80,9 @@ bool lwo_read_surface_tags(LwoChunk const& chunk, LwoContents const& contents,
 
 bool lwo_build_groups(LwoContents const& contents, LwoPolygons const& polygons, LwoMesh& mesh,
                       LwoReport& report) {
-    Groups groups(contents, mesh.group_names);
-    mesh.polygon_groups.resize(mesh.polygon_counts.get_count());
-    unsigned int* out = mesh.polygon_groups.get_data();
+    Groups groups(contents, mesh.shading_group_names);
+    mesh.polygon_shading_groups.resize(mesh.polygon_vertex_count.get_count());
+    unsigned int* out = mesh.polygon_shading_groups.get_data();
     unsigned int const count = polygons.get_count();
     for (unsigned int i = 0; i < count; ++i) {
         if (i % polygons_per_check == 0 && !report.advance(0)) {

@@ -15,9 +15,9 @@ namespace {
 // What a file holds, before the mesh takes it.
 struct LoadedFile {
     CoreArray<GMathVec3<float>> positions;
-    CoreArray<unsigned int> vertex_indices;
-    CoreArray<unsigned int> vertex_count;
-    CoreArray<unsigned int> shading_groups;
+    CoreArray<unsigned int> polygon_vertex_indices;
+    CoreArray<unsigned int> polygon_vertex_count;
+    CoreArray<unsigned int> polygon_shading_groups;
     CoreArray<CoreString> shading_group_names;
     CoreArray<GeometryUvMap> uv_maps;
     CoreArray<GeometryNormalMap> normal_maps;
@@ -25,21 +25,24 @@ struct LoadedFile {
     CoreArray<CoreString> property_names;  // stays empty: no loader hands names over
     std::unique_ptr<ResourceImportData> import_data;
 
-    PolyMeshPolygons get_polygons() const { return {vertex_indices, vertex_count, shading_groups}; }
+    PolyMeshPolygons get_polygons() const {
+        return {polygon_vertex_indices, polygon_vertex_count, polygon_shading_groups};
+    }
 };
 
 // The content decides, not the extension.
 bool load_file(CoreString const& path, CoreString const& item_name, AppProgressBar* progress,
                LoadedFile& file) {
     if (Lwo::is_valid(path)) {
-        return Lwo::load(path, item_name, file.positions, file.vertex_indices, file.vertex_count,
-                         file.shading_groups, file.shading_group_names, file.uv_maps,
-                         file.normal_maps, progress);
+        return Lwo::load(path, item_name, file.positions, file.polygon_vertex_indices,
+                         file.polygon_vertex_count, file.polygon_shading_groups,
+                         file.shading_group_names, file.uv_maps, file.normal_maps, progress);
     }
     ResourceImportData* import_data = nullptr;
-    bool const is_loaded = Obj::load(path, file.positions, file.vertex_indices, file.vertex_count,
-                                     file.shading_groups, file.shading_group_names, file.uv_maps,
-                                     file.normal_maps, file.color_maps, import_data, progress);
+    bool const is_loaded =
+        Obj::load(path, file.positions, file.polygon_vertex_indices, file.polygon_vertex_count,
+                  file.polygon_shading_groups, file.shading_group_names, file.uv_maps,
+                  file.normal_maps, file.color_maps, import_data, progress);
     file.import_data.reset(import_data);
     return is_loaded;
 }

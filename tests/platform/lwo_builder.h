@@ -91,8 +91,9 @@ inline Loaded load(Bytes const& bytes, char const* item_name = "") {
 inline void load_file(std::string const& path, AppProgressBar* bar, Loaded& loaded) {
     LogCapture capture(4);
     LwoMesh& to = loaded.mesh;
-    loaded.is_good = Lwo::load(path.c_str(), "", to.positions, to.corners, to.polygon_counts,
-                               to.polygon_groups, to.group_names, to.uv_maps, to.normal_maps, bar);
+    loaded.is_good = Lwo::load(path.c_str(), "", to.positions, to.polygon_vertex_indices,
+                               to.polygon_vertex_count, to.polygon_shading_groups,
+                               to.shading_group_names, to.uv_maps, to.normal_maps, bar);
     loaded.log = capture.take();
 }
 
@@ -125,11 +126,13 @@ std::string describe_map(Map const& map, char const* kind) {
 inline std::string describe(LwoMesh const& mesh) {
     std::string line = std::to_string(mesh.positions.get_count()) + ":";
     unsigned int corner = 0;
-    for (unsigned int i = 0; i < mesh.polygon_counts.get_count(); ++i) {
-        for (unsigned int j = 0; j < mesh.polygon_counts[i]; ++j) {
-            line.append(" ").append(std::to_string(mesh.corners[corner++]));
+    for (unsigned int i = 0; i < mesh.polygon_vertex_count.get_count(); ++i) {
+        for (unsigned int j = 0; j < mesh.polygon_vertex_count[i]; ++j) {
+            line.append(" ").append(std::to_string(mesh.polygon_vertex_indices[corner++]));
         }
-        line.append(" ").append(mesh.group_names[mesh.polygon_groups[i]].get_view()).append(";");
+        line.append(" ")
+            .append(mesh.shading_group_names[mesh.polygon_shading_groups[i]].get_view())
+            .append(";");
     }
     for (GeometryUvMap const& map : mesh.uv_maps) {
         line += describe_map(map, " uv:");

@@ -33,18 +33,20 @@ template <typename Map>
 bool are_sound(CoreArray<Map> const& maps, LwoMesh const& mesh) {
     return std::all_of(maps.begin(), maps.end(), [&](Map const& map) {
         unsigned int const count = map.values.get_count();
-        return map.indices.is_empty() ? count == mesh.positions.get_count()
-                                      : map.indices.get_count() == mesh.corners.get_count() &&
-                                            are_below(map.indices, count);
+        return map.indices.is_empty()
+                   ? count == mesh.positions.get_count()
+                   : map.indices.get_count() == mesh.polygon_vertex_indices.get_count() &&
+                         are_below(map.indices, count);
     });
 }
 
 bool is_sound(LwoMesh const& mesh) {
-    CoreArray<unsigned int> const& counts = mesh.polygon_counts;
-    return std::accumulate(counts.begin(), counts.end(), 0u) == mesh.corners.get_count() &&
-           are_below(mesh.corners, mesh.positions.get_count()) &&
-           mesh.polygon_groups.get_count() == counts.get_count() &&
-           are_below(mesh.polygon_groups, mesh.group_names.get_count()) &&
+    CoreArray<unsigned int> const& counts = mesh.polygon_vertex_count;
+    return std::accumulate(counts.begin(), counts.end(), 0u) ==
+               mesh.polygon_vertex_indices.get_count() &&
+           are_below(mesh.polygon_vertex_indices, mesh.positions.get_count()) &&
+           mesh.polygon_shading_groups.get_count() == counts.get_count() &&
+           are_below(mesh.polygon_shading_groups, mesh.shading_group_names.get_count()) &&
            are_sound(mesh.uv_maps, mesh) && are_sound(mesh.normal_maps, mesh);
 }
 

@@ -16,8 +16,8 @@ using namespace lwo_building;
 
 double compute_volume(LwoMesh const& mesh) {
     double volume = 0.0;
-    unsigned int const* corners = mesh.corners.get_data();
-    for (unsigned int const& count : mesh.polygon_counts) {
+    unsigned int const* corners = mesh.polygon_vertex_indices.get_data();
+    for (unsigned int const& count : mesh.polygon_vertex_count) {
         GMathVec3<double> const a(mesh.positions[corners[count - 1]]);  // the first as stored
         for (unsigned int i = 1; i + 1 < count; ++i) {
             GMathVec3<double> const b(mesh.positions[corners[i - 1]]);
@@ -32,12 +32,12 @@ double compute_volume(LwoMesh const& mesh) {
 // The list tells the arrays as they are stored.
 std::string describe_stored_arrays(LwoMesh const& mesh) {
     CoreArray<GMathVec3<float>> positions(mesh.positions);
-    CoreArray<unsigned int> corners(mesh.corners);
+    CoreArray<unsigned int> corners(mesh.polygon_vertex_indices);
     for (GMathVec3<float>& position : positions) {
         position.z = -position.z;
     }
     unsigned int* first = corners.get_data();
-    for (unsigned int const& count : mesh.polygon_counts) {
+    for (unsigned int const& count : mesh.polygon_vertex_count) {
         std::reverse(first, first + count);
         first += count;
     }
@@ -74,7 +74,7 @@ std::string describe_maps(CoreArray<Map> const& maps) {
 // The list shows only the first groups of many.
 void expect_groups(std::string const& listed, LwoMesh const& mesh) {
     std::string const shown = listed.substr(0, listed.find(", ..."));
-    std::string const all = describe_groups(mesh.group_names, mesh.polygon_groups);
+    std::string const all = describe_groups(mesh.shading_group_names, mesh.polygon_shading_groups);
     EXPECT_EQ(listed == shown ? all : all.substr(0, shown.size()), shown);
 }
 
@@ -97,8 +97,8 @@ TEST(LwoModels, AreAsListed) {
             continue;
         }
         EXPECT_EQ(std::to_string(mesh.positions.get_count()), row[2]);
-        EXPECT_EQ(describe_faces(mesh.polygon_counts), row[3]);
-        EXPECT_EQ(std::to_string(mesh.corners.get_count()), row[4]);
+        EXPECT_EQ(describe_faces(mesh.polygon_vertex_count), row[3]);
+        EXPECT_EQ(std::to_string(mesh.polygon_vertex_indices.get_count()), row[4]);
         expect_groups(row[6], mesh);
         // The map of this model has values for unused points only.
         bool const is_map_used = !row[0].ends_with("-ngon2.lwo");
@@ -131,13 +131,14 @@ TEST(LwoModels, AreTheSameInBothFormats) {
     LwoMesh obj;
     CoreArray<GeometryColorMap> color_maps;
     ResourceImportData* import_data = nullptr;
-    ASSERT_TRUE(Obj::load(path.c_str(), obj.positions, obj.corners, obj.polygon_counts,
-                          obj.polygon_groups, obj.group_names, obj.uv_maps, obj.normal_maps,
-                          color_maps, import_data, nullptr));
+    ASSERT_TRUE(Obj::load(path.c_str(), obj.positions, obj.polygon_vertex_indices,
+                          obj.polygon_vertex_count, obj.polygon_shading_groups,
+                          obj.shading_group_names, obj.uv_maps, obj.normal_maps, color_maps,
+                          import_data, nullptr));
     delete import_data;
     Loaded const loaded = load_file(find_model(folder, "lwo", "-concave_polygon.lwo"));
     LwoMesh const& lwo = loaded.mesh;
-    ASSERT_EQ(get_crc32(lwo.corners), get_crc32(obj.corners));
+    ASSERT_EQ(get_crc32(lwo.polygon_vertex_indices), get_crc32(obj.polygon_vertex_indices));
     ASSERT_EQ(lwo.positions.get_count(), obj.positions.get_count());
     auto const distance = [](GMathVec3<float> const& a, GMathVec3<float> const& b) {
         return gmath_length(a - b);
