@@ -24,6 +24,9 @@ struct GMathMatrix4x4 {
     constexpr GMathVec3<T> transform_vector(GMathVec3<T> const& v) const {
         return {transform_row(0, v), transform_row(1, v), transform_row(2, v)};
     }
+    constexpr GMathVec3<T> transform_point(GMathVec3<T> const& p) const {
+        return transform_vector(p) + GMathVec3<T>(entries[3], entries[7], entries[11]);
+    }
 
     friend constexpr bool operator==(GMathMatrix4x4 const& a, GMathMatrix4x4 const& b) = default;
 

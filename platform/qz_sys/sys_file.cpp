@@ -13,7 +13,6 @@ namespace {
 constexpr std::size_t largest_transfer = 1u << 30;  // below the limit of every read and write call
 constexpr int longest_wait = 2000;                  // milliseconds, for a writer to come
 constexpr int one_wait = 50;                        // milliseconds, between looks at a stop
-static_assert(longest_wait % one_wait == 0);
 
 }  // namespace
 
@@ -41,7 +40,8 @@ bool SysFile::open(CoreString const& path, Mode const& mode) {
         return fail(error_number);
     }
     m_size = S_ISREG(status.st_mode) ? static_cast<unsigned long long>(status.st_size) : 0;
-    m_wait_for_writer = mode == MODE_READ && S_ISFIFO(status.st_mode) ? longest_wait : 0;
+    m_has_no_writer = mode == MODE_READ && S_ISFIFO(status.st_mode);
+    m_latest_writer = Clock::now() + std::chrono::milliseconds(longest_wait);
     return true;
 }
 
@@ -53,11 +53,11 @@ std::size_t SysFile::read(void* buffer, std::size_t const& size) {
         ssize_t const count = ::read(m_descriptor, static_cast<char*>(buffer) + done, part);
         if (count > 0) {
             done += static_cast<std::size_t>(count);
-            m_wait_for_writer = 0;
+            m_has_no_writer = false;
         } else if (count < 0 && errno != EAGAIN && errno != EINTR) {
             fail(errno);
             break;
-        } else if ((count == 0 && m_wait_for_writer == 0) || !wait_at_pipe(count < 0)) {
+        } else if ((count == 0 && !m_has_no_writer) || !wait_at_pipe(count < 0)) {
             break;
         }
     }
@@ -72,13 +72,10 @@ bool SysFile::wait_at_pipe(bool const& has_writer) {
     pollfd pipe = {m_descriptor, POLLIN, 0};
     int const found = ::poll(&pipe, 1, one_wait);  // below 0 after a signal
     if (has_writer || found > 0) {
-        m_wait_for_writer = 0;
-    } else if (found == 0) {
-        m_wait_for_writer -= one_wait;
-        if (m_wait_for_writer == 0) {
-            m_error = "Nobody writes to this pipe";
-            return false;
-        }
+        m_has_no_writer = false;
+    } else if (Clock::now() >= m_latest_writer) {
+        m_error = "Nobody writes to this pipe";
+        return false;
     }
     return true;
 }

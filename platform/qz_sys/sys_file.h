@@ -3,6 +3,7 @@
 #include <platform/qz_core.h>
 #include <platform/qz_sys/export.h>
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 
@@ -24,8 +25,8 @@ class QZ_SYS_EXPORT SysFile {
     bool open(CoreString const& path, Mode const& mode);
 
     // Reads up to `size` bytes and returns how many: fewer only at the end of the file or after an
-    // error, which `has_failed` tells apart, or when `set_stop` has it so. A pipe that nobody opens
-    // to write to within 2 seconds is an error.
+    // error, which `has_failed` tells apart, or when `set_stop` has it so. A pipe that nobody has
+    // opened to write to 2 seconds after `open` is an error.
     std::size_t read(void* buffer, std::size_t const& size);
     // While `read` waits for a pipe, it asks `is_stopped` every 50 milliseconds and ends if so.
     void set_stop(std::function<bool()> const& is_stopped) { m_is_stopped = is_stopped; }
@@ -42,6 +43,8 @@ class QZ_SYS_EXPORT SysFile {
     unsigned long long const& get_size() const { return m_size; }
 
   private:
+    using Clock = std::chrono::steady_clock;
+
     bool fail(int const& error_number);
     // Waits a moment for more; false when there is no point in reading on. `has_writer`: somebody
     // has the pipe open.
@@ -49,7 +52,8 @@ class QZ_SYS_EXPORT SysFile {
 
     int m_descriptor = -1;
     unsigned long long m_size = 0;
-    int m_wait_for_writer = 0;  // milliseconds; 0 from when somebody is known to write
+    bool m_has_no_writer = false;       // a pipe that nobody has opened yet to write to
+    Clock::time_point m_latest_writer;  // when one has to be there
     std::function<bool()> m_is_stopped;
     CoreString m_error;
 };

@@ -77,10 +77,9 @@ class QZ_POLY_EXPORT PolyMesh : public PolyMeshBase {
     // `load_progress`; the reason is logged at level 2 and the mesh is untouched.
     // - item_name: the layers to load of a LightWave object; empty for all;
     // - time: not used;
-    // - load_progress, build_progress: may be null. The first is finished, also after a failure;
-    // the
-    //   second is started and no more. Deliberate: 4-gons that are not convex are cut only when
-    //   `build_progress` is given.
+    // - load_progress, build_progress: may be null. The first is finished when the file has been
+    //   read, whatever it held; the second is then started, and no more. Deliberate: 4-gons that
+    //   are not convex are cut only when `build_progress` is given.
     // The key covers positions and polygons alone. The mesh has no velocities.
     bool import_from_file(CoreString const& path, CoreString const& item_name, double const& time,
                           AppProgressBar* load_progress, AppProgressBar* build_progress);

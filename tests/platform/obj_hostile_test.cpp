@@ -1,12 +1,14 @@
 #include <tests/platform/obj_testing.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <random>
 #include <thread>
 
 #include <sys/stat.h>
+#include <sys/time.h>
 
 namespace {
 
@@ -36,6 +38,9 @@ TEST(ObjHostile, ThingsThatAreNoFiles) {
     std::filesystem::remove(loop);
     std::filesystem::remove(pipe);
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    std::signal(SIGALRM, [](int) {});
+    itimerval timer = {{0, 10000}, {0, 10000}};  // signals, in microseconds, that end no wait
+    ::setitimer(ITIMER_REAL, &timer, nullptr);
     EXPECT_EQ(read_obj_file(pipe).get_refusal(),
               "Obj.load: '" + pipe + "': Nobody writes to this pipe.\n");
     std::thread writer([&pipe] {
@@ -49,6 +54,8 @@ TEST(ObjHostile, ThingsThatAreNoFiles) {
     AppProgressBar bar("load");
     ObjOutcome const outcome = read_obj_file(pipe, {}, &bar);
     writer.join();
+    timer = {};
+    ::setitimer(ITIMER_REAL, &timer, nullptr);
     EXPECT_EQ(describe(outcome.mesh), "square; f 0 1 2 3");
     EXPECT_EQ(bar.get_value(), 0.0);
     std::fstream const silent(pipe);  // both ends are open

@@ -1,4 +1,5 @@
 #include <tests/platform/lwo_builder.h>
+#include <tests/shapes.h>
 #include <tests/tools/run_tool.h>
 
 #include <tools/qzpoly/terminal/terminal.h>
@@ -8,6 +9,8 @@
 #include <sys/resource.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <memory>
 #include <sstream>
 
 namespace {
@@ -65,6 +68,8 @@ TEST(Commands, FaultsTellTheirReason) {
     std::string const block = folder.write("block.obj", make_block(0));
     std::string const other = folder.write("other.obj", make_block(0) + "f 1 2 9\n");
     std::string const broken = folder.write("broken.obj", "v 0 0 0\nf 1 2 x\n");
+    std::string const bent =
+        folder.write("bent.obj", make_block(0) + "vn 0 0.6 0.8\nf 1//1 2//1 3//1\n");
     using namespace lwo_building;
     std::string const layers =
         folder.write("layers.lwo", object(layer("A") + square + faces({4, 0, 1, 2, 3}) +
@@ -118,7 +123,7 @@ TEST(Commands, FaultsTellTheirReason) {
         {{"render", "--frames", block, block, "--times", "1", "1"}, 2, "--times"},
         {{"render", block, "--shutter", "1", "0"}, 2, "closes before it opens"},
         {{"render", block, "--shutter", "0", "1"}, 2, "nothing moves"},
-        {{"probe", block, "--smooth", "9", "--normal-map", "0"}, 2, "excludes"},
+        {{"probe", bent, "--smooth", "9", "--normal-map", "0"}, 2, "not used beside"},
         {{"probe", block, "--ray", "0", "0", "9", "0", "0", "-1", "--st", "0", "0"}, 2, "excludes"},
         {{"probe", block, "--primitive", "1", "--exact"}, 2, "requires --ray"},
         {{"render", block, "--shade", "color", "--ambient-occlusion"}, 2, "no light with"},
@@ -211,6 +216,10 @@ TEST(Commands, ConvertKeepsTheMesh) {
          "1 of g, 1 of l, 1 of o, 1 of s"},
         {"LightWave",
          object(tags_of_two + faces({4, 0, 1, 2, 3, 3, 0, 1, 2}) + by_corner + tags({0, 0})), ""},
+        {"surface",
+         object(tags_of_two + faces({4, 0, 1, 2, 3}) + tags({0, 0}) +
+                chunk("SURF", s0("Sky") + s0("") + "COLR" + u2({14}) + f4({1, 0, 0}) + u2({0}))),
+         "colors of surfaces are left out"},
         {"names of maps", object(faces({4, 0, 1, 2, 3}) + uv({0}, {0, 1})), "U becomes uv"},
         {"names of groups", object(tags_of_two + faces({4, 0, 1, 2, 3}) + tags({0, 1})), "' Ink '"},
     };
@@ -230,6 +239,30 @@ TEST(Commands, ConvertKeepsTheMesh) {
         }
     }
     EXPECT_EQ(run_tool({"convert", out, out, "--uv-map", "1"}).status, 2);
+}
+
+TEST(Commands, KnowBlocksThatMove) {
+    ToolFolder const folder;
+    Shape shape = make_square();
+    shape.velocities.assign(4, {1, 0, 0});
+    PolyMesh mesh;
+    shape.set(mesh);
+    unsigned long long size = 0;
+    std::unique_ptr<unsigned char, decltype(&std::free)> const bytes(mesh.serialize(size),
+                                                                     &std::free);
+    std::string const block =
+        folder.write("block", {reinterpret_cast<char const*>(bytes.get()), size});
+    std::string const picture = folder.get_path("picture.png");
+    std::vector<std::string> render = {"render", block, "--size", "8", "6", "-o", picture};
+    EXPECT_EQ(run_tool(render).status, 0);
+    std::string const still = folder.read("picture.png");
+    render.insert(render.end(), {"--shutter", "0", "1"});
+    EXPECT_EQ(run_tool(render).status, 0);
+    EXPECT_NE(folder.read("picture.png"), still);
+    EXPECT_EQ(run_tool({"dump", block, "--no-check-quads"}).errors,
+              "error: cannot load " + block + ": the 4-gons of a byte block are always checked\n");
+    EXPECT_EQ(run_tool({"convert", block, folder.get_path("out.obj")}).errors,
+              "warning: velocities are left out\n");
 }
 
 // Help, manual page and completion know every subcommand.

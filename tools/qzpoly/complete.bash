@@ -11,8 +11,11 @@ _qzpoly() {
     case $before in
         --camera) mapfile -t COMPREPLY < <(compgen -W \
             'front back left right top bottom three-quarter' -- "$word") ;;
-        --shade) mapfile -t COMPREPLY < <(compgen -W \
-            'shaded normal uv color group primitive facing property:' -- "$word") ;;
+        --shade)
+            local modes='shaded normal uv color group primitive facing'
+            [ "${COMP_WORDS[1]}" = sheet ] || modes+=' property:'
+            mapfile -t COMPREPLY < <(compgen -W "$modes" -- "$word")
+            ;;
         --background) mapfile -t COMPREPLY < <(compgen -W 'white black grey blue' -- "$word") ;;
         --ignore) mapfile -t COMPREPLY < <(compgen -W \
             "$("${COMP_WORDS[0]}" check --help | sed -n \

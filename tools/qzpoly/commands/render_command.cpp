@@ -27,7 +27,6 @@ struct RenderOptions {
     ToolLookOptions look;
     std::string output;
     bool has_edges = false;
-    bool has_hard_edges = false;
     bool is_exact = false;
     bool is_brute_force = false;
 };
@@ -37,7 +36,7 @@ void add_picture_options(CLI::App& command, RenderOptions& options) {
     add_look_options(command, options.look, "12; in motion 32", true);
     add_map_options(command, options.look);
     command.add_flag("--edges", options.has_edges, "Draw the edges of polygons");
-    command.add_flag("--hard-edges", options.has_hard_edges,
+    command.add_flag("--hard-edges", options.surface.has_hard_edges,
                      "Draw the edges that --smooth finds too sharp to smooth");
     command.add_flag("--exact", options.is_exact, "Test rays without a tolerance at edges");
     // Asks every primitive for every ray: what any faster search must give.
@@ -50,11 +49,11 @@ GMathVec3<double> get_vertical(ToolCameraOptions const& options) {
 
 std::vector<ToolEdgeLayer> list_edges(RenderOptions const& options, PolyMesh const& mesh) {
     std::vector<ToolEdgeLayer> layers;
-    if (options.has_edges || options.has_hard_edges) {
+    if (options.has_edges || options.surface.has_hard_edges) {
         ToolEdges edges =
             options.has_edges ? list_visible_edges(mesh) : ToolEdges(mesh.get_primitive_count());
         CoreArray<unsigned char> hard_edges;
-        if (options.has_hard_edges) {
+        if (options.surface.has_hard_edges) {
             PolyMeshSmoothed::find_hard_edges(mesh, options.surface.smoothing_angle, hard_edges);
         }
         for (unsigned int i = 0; i < hard_edges.get_count(); ++i) {

@@ -99,7 +99,8 @@ bool set_frames(ToolMeshOptions const& mesh_options, ToolMotionOptions const& op
 
 bool set_velocities(ToolMotionOptions const& options, GMathVec3<double> const& vertical,
                     ToolMessages& messages, PolyMesh& mesh) {
-    double const degrees = options.is_spinning ? usual_spin_degrees : options.spin_degrees;
+    double const degrees =
+        options.is_spinning ? usual_spin_degrees : options.spin_degrees.value_or(0);
     GMathVec3<double> const turn = vertical * (degrees * std::numbers::pi / 180.0);
     GMathVec3<double> const shift =
         options.velocity.empty()

@@ -6,6 +6,7 @@
 
 #include <poly/mesh/poly_mesh.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,14 +16,14 @@ class App;
 
 // How a mesh moves while the shutter is open, as the command line tells it.
 struct ToolMotionOptions {
-    std::vector<std::string> frames;  // files of the mesh at several times
-    std::vector<double> times;        // one per frame; empty: 0, 1, 2, ...
-    bool is_spinning = false;         // by the usual angle
-    double spin_degrees = 0;          // about the vertical axis, per unit of time
-    std::vector<double> velocity;     // of all vertices
-    std::vector<double> shutter;      // opens, closes
+    std::vector<std::string> frames;     // files of the mesh at several times
+    std::vector<double> times;           // one per frame; empty: 0, 1, 2, ...
+    bool is_spinning = false;            // by the usual angle
+    std::optional<double> spin_degrees;  // about the vertical axis, per unit of time
+    std::vector<double> velocity;        // of all vertices
+    std::vector<double> shutter;         // opens, closes
 
-    bool has_velocities() const { return is_spinning || spin_degrees != 0 || !velocity.empty(); }
+    bool has_velocities() const { return is_spinning || spin_degrees || !velocity.empty(); }
 };
 
 // To be added behind the options of a mesh that is optional.

@@ -8,10 +8,8 @@
 void add_surface_options(CLI::App& command, ToolSurfaceOptions& options) {
     options.smooth = add_smooth_option(command, options.smoothing_angle,
                                        "Smooth the normals across edges below this angle");
-    command
-        .add_option("--normal-map", options.normal_map,
-                    "Shade with this normal map of the file, from 0")
-        ->excludes(command.get_option("--smooth"));
+    command.add_option("--normal-map", options.normal_map,
+                       "Shade with this normal map of the file, from 0");
     add_property_option(command, options);
 }
 
@@ -30,8 +28,12 @@ bool make_surface(ToolSurfaceOptions const& options, PolyMesh& mesh, ToolMessage
         refuse_option("--normal-map", make_text("there is no ", options.normal_map,
                                                 ": the mesh has ", mesh.get_normal_map_count()));
     }
+    bool const is_smoothed = options.smooth != nullptr && options.smooth->count() != 0;
+    if (has_normal_map && is_smoothed && !options.has_hard_edges) {
+        refuse_option("--smooth", "is not used beside --normal-map");
+    }
     surface.geometry = &mesh;
-    if (has_normal_map || (options.smooth != nullptr && options.smooth->count() != 0)) {
+    if (has_normal_map || is_smoothed) {
         surface.smoothed = std::make_unique<PolyMeshSmoothed>();
         surface.smoothed->set(mesh, options.smoothing_angle, options.normal_map, nullptr);
         surface.geometry = surface.smoothed.get();

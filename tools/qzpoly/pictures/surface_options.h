@@ -18,6 +18,7 @@ class Option;
 struct ToolSurfaceOptions {
     double smoothing_angle = 0;             // in degrees
     CLI::Option const* smooth = nullptr;    // whether it was given
+    bool has_hard_edges = false;            // edges that are hard at the angle are drawn
     unsigned int normal_map = 0xFFFFFFFFu;  // of the mesh; an imported one is never used unasked
     std::vector<std::string> property_files;
 };
