@@ -21,8 +21,8 @@ using GMathFloatLanes = float __attribute__((vector_size(16)));
 using GMathIntLanes = int __attribute__((vector_size(16)));
 
 // Four floats in memory, at any address that floats may have. (Copied as bytes, compilers leave
-// them on the stack.)
-using GMathFloatsInMemory = float __attribute__((vector_size(16), aligned(4), may_alias));
+// them on the stack. Behind the type, the attributes would not lower the alignment for clang.)
+using GMathFloatsInMemory __attribute__((aligned(4), may_alias)) = GMathFloatLanes;
 inline GMathFloatLanes gmath_lanes(float const* four) {
     return *reinterpret_cast<GMathFloatsInMemory const*>(four);
 }

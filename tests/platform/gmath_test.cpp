@@ -129,3 +129,13 @@ TEST(GMathTimeSampling, FindsTheSpanOfATime) {
         EXPECT_EQ(factor, row.factor) << row.time;
     }
 }
+
+TEST(GMathLanes, LieWhereverFloatsLie) {
+    for (unsigned int volatile first = 0; first < 4; first = first + 1) {
+        alignas(16) float numbers[8] = {0, 1, 2, 3, 4, 5, 6, 7};
+        gmath_store(gmath_lanes(numbers + first) + 1.0f, numbers + first);
+        for (unsigned int i = 0; i < 8; ++i) {
+            EXPECT_EQ(numbers[i], static_cast<float>(i - first < 4 ? i + 1 : i));
+        }
+    }
+}
