@@ -131,11 +131,13 @@ TEST(GMathTimeSampling, FindsTheSpanOfATime) {
 }
 
 TEST(GMathLanes, LieWhereverFloatsLie) {
-    for (unsigned int volatile first = 0; first < 4; first = first + 1) {
+    for (unsigned int k = 0; k < 4; ++k) {
+        unsigned int const volatile first = k;  // unknown to compilers
         alignas(16) float numbers[8] = {0, 1, 2, 3, 4, 5, 6, 7};
-        gmath_store(gmath_lanes(numbers + first) + 1.0f, numbers + first);
+        float* const four = numbers + first;
+        gmath_store(gmath_lanes(four) + 1.0f, four);
         for (unsigned int i = 0; i < 8; ++i) {
-            EXPECT_EQ(numbers[i], static_cast<float>(i - first < 4 ? i + 1 : i));
+            EXPECT_EQ(numbers[i], static_cast<float>(i - k < 4 ? i + 1 : i));
         }
     }
 }
