@@ -57,7 +57,8 @@ std::size_t SysFile::read(void* buffer, std::size_t const& size) {
         } else if (count < 0 && errno != EAGAIN && errno != EINTR) {
             fail(errno);
             break;
-        } else if ((count == 0 && !m_has_no_writer) || !wait_at_pipe(count < 0)) {
+        } else if ((count == 0 && !m_has_no_writer) ||
+                   !wait_at_pipe(count < 0 && errno == EAGAIN)) {
             break;
         }
     }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -28,7 +27,6 @@ TEST(SysFile, WritesAndReadsBack) {
     EXPECT_FALSE(file.has_failed());
     EXPECT_EQ(read.substr(0, bytes.size()), bytes);
     file.close();
-    std::filesystem::remove(name);
 }
 
 TEST(SysFile, RefusesWhatIsNoFile) {

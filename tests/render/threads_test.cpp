@@ -12,7 +12,6 @@
 
 #include <atomic>
 #include <barrier>
-#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -125,7 +124,6 @@ TEST(Threads, BuildMeshesBesideEachOther) {
             EXPECT_EQ(find_broken_invariant(imported), "");
             EXPECT_EQ(find_broken_invariant(copy), "");
         }
-        std::filesystem::remove(path);
     });
 }
 

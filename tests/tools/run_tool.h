@@ -29,16 +29,10 @@ inline ToolRun run_tool(std::vector<std::string> const& arguments) {
     return {status, output, testing::internal::GetCapturedStderr()};
 }
 
-// A folder of the running test, emptied first.
+// A folder of the running test.
 class ToolFolder {
   public:
-    ToolFolder() : m_path(get_scratch_path("")) {
-        std::filesystem::remove_all(m_path);
-        std::filesystem::create_directories(m_path);
-    }
-    ~ToolFolder() { std::filesystem::remove_all(m_path); }
-    ToolFolder(ToolFolder const&) = delete;
-    ToolFolder& operator=(ToolFolder const&) = delete;
+    ToolFolder() { std::filesystem::create_directories(m_path); }
 
     std::string get_path(std::string const& name) const { return (m_path / name).string(); }
     // Returns the path.
@@ -52,7 +46,7 @@ class ToolFolder {
     }
 
   private:
-    std::filesystem::path m_path;
+    std::filesystem::path m_path = get_scratch_path("");
 };
 
 // A crooked block with a wall that has a notch: quads and a concave polygon. `lift` moves its top.

@@ -140,8 +140,7 @@ void add_convert_command(CLI::App& app, ToolSession& session) {
     auto const options = std::make_shared<ConvertOptions>();
     CLI::App* const command =
         app.add_subcommand("convert", "Write a mesh as an OBJ file that gives the same mesh");
-    add_mesh_options(*command, options->mesh, ToolFileNeed::REQUIRED);
-    command->remove_option(command->get_option("--no-check-quads"));  // polygons are kept whole
+    add_polygon_options(*command, options->mesh, ToolFileNeed::REQUIRED);
     command->add_option("OUT", options->output, "OBJ file to write")->required();
     command->add_option("--uv-map", options->uv_map, "Number of the uv map to keep, from 0");
     command->footer(

@@ -40,8 +40,7 @@ void add_pack_command(CLI::App& app, ToolSession& session) {
     auto const options = std::make_shared<PackOptions>();
     CLI::App* const command = app.add_subcommand(
         "pack", "Write a mesh's byte block: positions, velocities and polygons, nothing else");
-    add_mesh_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
-    command->remove_option(command->get_option("--no-check-quads"));  // polygons are kept whole
+    add_polygon_options(*command, options->mesh, ToolFileNeed::OPTIONAL);
     command->add_option("-o,--output", options->block_file,
                         "File to write [the model's name with .block]");
     command->footer("Examples:\n"

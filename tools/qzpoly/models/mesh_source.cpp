@@ -88,11 +88,9 @@ bool load_file(std::string const& name, ToolMeshOptions const& options, ToolMesh
     if (!options.item.empty() && !mesh.is_light_wave) {
         return refuse("only LightWave objects have items");
     }
-    if (options.is_unchecked && mesh.is_block) {
-        return refuse("the 4-gons of a byte block are always checked");
-    }
     if (mesh.is_block) {
-        return load_block(path, *mesh.mesh);
+        return options.is_unchecked ? refuse("the 4-gons of a byte block are always checked")
+                                    : load_block(path, *mesh.mesh);
     }
     ToolProgress load_progress("loading");
     AppProgressBar build_progress("building");
@@ -111,7 +109,7 @@ void show_import_warnings(PolyMesh const& mesh, ToolMessages& messages) {
 
 }  // namespace
 
-void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
+void add_polygon_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
     std::string const meaning =
         make_text("Wavefront OBJ file, LightWave object, or byte block of `pack`",
                   need == ToolFileNeed::REQUIRED ? "" : " [the project's rocket]");
@@ -122,8 +120,6 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
     command
         .add_option("--item", options.item, "The layers of this name of a LightWave object [all]")
         ->type_name("NAME");
-    command.add_flag("--no-check-quads", options.is_unchecked,
-                     "Keep every 4-gon as a quad, even one that is not convex");
     if (need == ToolFileNeed::REQUIRED) {
         file->required();
         return;
@@ -136,6 +132,12 @@ void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed 
         ->check(check_finite)
         ->excludes(file)
         ->excludes(command.get_option("--item"));
+}
+
+void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need) {
+    add_polygon_options(command, options, need);
+    command.add_flag("--no-check-quads", options.is_unchecked,
+                     "Keep every 4-gon as a quad, even one that is not convex");
 }
 
 bool load_mesh(ToolMeshOptions const& options, ToolMessages& messages, ToolMesh& mesh) {

@@ -36,7 +36,9 @@ struct ToolMesh {
 
 enum class ToolFileNeed { REQUIRED, OPTIONAL, SEVERAL };
 
-// Adds FILE and the options of loading; where no file is required also --sphere.
+// Adds FILE and the options of loading; where no file is required also --sphere. The first is for
+// commands that use the polygons alone, the second also has how they are made into primitives.
+void add_polygon_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need);
 void add_mesh_options(CLI::App& command, ToolMeshOptions& options, ToolFileNeed const& need);
 
 // Loads what the options name, the project's own small model if they name nothing. False after the

@@ -113,10 +113,10 @@ void add_look_options(CLI::App& command, ToolLookOptions& options, std::string c
                       bool const& has_properties) {
     options.thread_count = std::max(1u, std::thread::hardware_concurrency());
     std::string meanings = "Colors:";
-    bool const knows_all = has_properties;
-    auto const is_known = [knows_all](std::string const& name) {
+    auto const is_known = [has_properties](std::string const& name) {
         std::string property;
-        return find_shade_mode(name) != nullptr && (knows_all || !shows_property(name, property));
+        return find_shade_mode(name) != nullptr &&
+               (has_properties || !shows_property(name, property));
     };
     for (ToolShadeMode const& mode : get_shade_modes()) {
         if (is_known(mode.name)) {
